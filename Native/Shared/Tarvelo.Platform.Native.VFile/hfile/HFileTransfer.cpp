@@ -1,0 +1,98 @@
+#include <cstring>
+
+#include "hfile/HFile.h"
+#include "host/Host.h"
+#include "hsys/Numbers.h"
+#include "hsys/WrapAdd.h"
+
+namespace {
+
+constexpr std::int32_t kChunk = 1024;
+
+}  // namespace
+
+std::int32_t HFile::ReadBytes(void* buffer, std::int32_t count) {
+  if (res != resDone || count == 0) return 0;
+  if (count < 0 || buffer == nullptr) {
+    res = resCallError;
+    return 0;
+  }
+  std::uint32_t done = 0;
+  const bool read = host::ReadFile(handle, buffer, Card(count), &done);
+  if (!read) res = GetFileRes();
+  eof = read && Int(done) < count;
+  return Int(done);
+}
+
+void HFile::WriteBytes(const void* buffer, std::int32_t count) {
+  if (res != resDone || count == 0) return;
+  if (count < 0 || buffer == nullptr) {
+    res = resCallError;
+    return;
+  }
+  std::uint32_t done = 0;
+  if (!host::WriteFile(handle, buffer, Card(count), &done)) {
+    res = GetFileRes();
+  } else if (Int(done) < count) {
+    res = resDiskFull;
+  }
+}
+
+void HFile::Write(char ch, std::int32_t count) {
+  if (res != resDone || count < 1) return;
+  char chunk[kChunk];
+  std::memset(chunk, ch, static_cast<std::size_t>(MinL(count, kChunk)));
+  while (count > 0 && res == resDone) {
+    const std::int32_t part = MinL(count, kChunk);
+    WriteBytes(chunk, part);
+    count -= part;
+  }
+}
+
+std::int32_t HFile::GetPos() const {
+  if (!IsOpen()) return 0;
+  const std::uint32_t position = host::SetFilePointer(handle, 0, host::FILE_CURRENT);
+  return position == host::INVALID_SET_FILE_POINTER ? 0 : Int(position);
+}
+
+void HFile::SetPos(std::int32_t position) {
+  eof = false;
+  if (!IsOpen() || position < 0) {
+    res = resCallError;
+    return;
+  }
+  const std::uint32_t reached = host::SetFilePointer(handle, MinL(position, Length()), host::FILE_BEGIN);
+  res = reached == host::INVALID_SET_FILE_POINTER ? GetFileRes() : std::int32_t{resDone};
+}
+
+void HFile::SetPos(std::int32_t offset, std::int32_t origin) {
+  if (IsOpen() && origin == 0) return SetPos(offset);
+  if (IsOpen() && origin == 1) return SetPos(hsys::WrapAdd(GetPos(), offset));
+  if (IsOpen() && origin == 2) return SetPos(hsys::WrapAdd(Length(), offset));
+  res = resCallError;
+  eof = false;
+}
+
+void HFile::Reset() { SetPos(0); }
+
+std::int32_t HFile::Length() const {
+  if (!IsOpen()) return 0;
+  const std::uint32_t size = host::GetFileSize(handle);
+  return size == host::INVALID_FILE_SIZE ? 0 : Int(size);
+}
+
+void HFile::Truncate() {
+  if (!IsOpen()) {
+    res = resCallError;
+  } else {
+    res = host::SetEndOfFile(handle) ? std::int32_t{resDone} : GetFileRes();
+  }
+}
+
+void HFile::Flush() {
+  if (!IsOpen()) {
+    res = resCallError;
+  } else {
+    res = host::FlushFileBuffers(handle) ? std::int32_t{resDone} : GetFileRes();
+  }
+}

@@ -1,0 +1,229 @@
+/// @file
+/// The seam to the operating system: every call to it goes through this header, under its Win32 or C runtime name.
+///
+/// On Windows these are forwarders to the system. Elsewhere they are implemented, one small file for each group below.
+/// Arguments that every caller leaves null or zero there (security attributes, template handles, high words, overlapped
+/// records) are left out here. Numbers of constants and of errors are those of Win32.
+///
+/// Rules of the seam:
+/// - Nothing here throws or allocates from the heap.
+/// - A call that fails leaves its reason in the calling thread's last error. A call that succeeds leaves the last error
+///   alone, but for `CreateFileW`.
+/// - Names are strings of units ended by a 0 unit. A null name is treated like an empty one.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "host/Handle.h"
+#include "host/Unit.h"
+
+namespace host {
+
+// ---- Errors ---------------------------------------------------------------------------------------------------------
+
+inline constexpr std::uint32_t ERROR_SUCCESS = 0;
+inline constexpr std::uint32_t ERROR_INVALID_FUNCTION = 1;
+inline constexpr std::uint32_t ERROR_FILE_NOT_FOUND = 2;
+inline constexpr std::uint32_t ERROR_PATH_NOT_FOUND = 3;
+inline constexpr std::uint32_t ERROR_TOO_MANY_OPEN_FILES = 4;
+inline constexpr std::uint32_t ERROR_ACCESS_DENIED = 5;
+inline constexpr std::uint32_t ERROR_INVALID_HANDLE = 6;
+inline constexpr std::uint32_t ERROR_NOT_ENOUGH_MEMORY = 8;
+inline constexpr std::uint32_t ERROR_INVALID_ACCESS = 12;
+inline constexpr std::uint32_t ERROR_OUTOFMEMORY = 14;
+inline constexpr std::uint32_t ERROR_INVALID_DRIVE = 15;
+inline constexpr std::uint32_t ERROR_NOT_SAME_DEVICE = 17;
+inline constexpr std::uint32_t ERROR_WRITE_PROTECT = 19;
+inline constexpr std::uint32_t ERROR_BAD_UNIT = 20;
+inline constexpr std::uint32_t ERROR_CRC = 23;
+inline constexpr std::uint32_t ERROR_GEN_FAILURE = 31;
+inline constexpr std::uint32_t ERROR_SHARING_VIOLATION = 32;
+inline constexpr std::uint32_t ERROR_LOCK_VIOLATION = 33;
+inline constexpr std::uint32_t ERROR_SHARING_BUFFER_EXCEEDED = 36;
+inline constexpr std::uint32_t ERROR_HANDLE_DISK_FULL = 39;
+inline constexpr std::uint32_t ERROR_NOT_SUPPORTED = 50;
+inline constexpr std::uint32_t ERROR_REM_NOT_LIST = 51;
+inline constexpr std::uint32_t ERROR_DUP_NAME = 52;
+inline constexpr std::uint32_t ERROR_BAD_NETPATH = 53;
+inline constexpr std::uint32_t ERROR_NETWORK_BUSY = 54;
+inline constexpr std::uint32_t ERROR_DEV_NOT_EXIST = 55;
+inline constexpr std::uint32_t ERROR_NETWORK_ACCESS_DENIED = 65;
+inline constexpr std::uint32_t ERROR_FILE_EXISTS = 80;
+inline constexpr std::uint32_t ERROR_INVALID_PARAMETER = 87;
+inline constexpr std::uint32_t ERROR_DISK_FULL = 112;
+inline constexpr std::uint32_t ERROR_CALL_NOT_IMPLEMENTED = 120;
+inline constexpr std::uint32_t ERROR_INVALID_NAME = 123;
+inline constexpr std::uint32_t ERROR_NEGATIVE_SEEK = 131;
+inline constexpr std::uint32_t ERROR_BAD_PATHNAME = 161;
+inline constexpr std::uint32_t ERROR_ALREADY_EXISTS = 183;
+inline constexpr std::uint32_t ERROR_FILENAME_EXCED_RANGE = 206;
+inline constexpr std::uint32_t ERROR_DIRECTORY = 267;
+inline constexpr std::uint32_t ERROR_FILE_INVALID = 1006;
+inline constexpr std::uint32_t ERROR_IO_DEVICE = 1117;
+inline constexpr std::uint32_t ERROR_CANT_RESOLVE_FILENAME = 1921;
+
+/// The calling thread's last error.
+std::uint32_t GetLastError();
+/// Sets the calling thread's last error.
+void SetLastError(std::uint32_t error);
+
+// ---- Files: opening -------------------------------------------------------------------------------------------------
+
+inline constexpr std::uint32_t GENERIC_READ = 0x80000000;
+inline constexpr std::uint32_t GENERIC_WRITE = 0x40000000;
+
+inline constexpr std::uint32_t CREATE_NEW = 1;
+inline constexpr std::uint32_t CREATE_ALWAYS = 2;
+inline constexpr std::uint32_t OPEN_EXISTING = 3;
+inline constexpr std::uint32_t OPEN_ALWAYS = 4;
+
+inline constexpr std::uint32_t FILE_ATTRIBUTE_READONLY = 0x1;
+inline constexpr std::uint32_t FILE_ATTRIBUTE_DIRECTORY = 0x10;
+inline constexpr std::uint32_t FILE_ATTRIBUTE_ARCHIVE = 0x20;
+inline constexpr std::uint32_t FILE_ATTRIBUTE_NORMAL = 0x80;
+inline constexpr std::uint32_t INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
+
+inline constexpr std::uint32_t FILE_FLAG_DELETE_ON_CLOSE = 0x04000000;
+inline constexpr std::uint32_t FILE_FLAG_SEQUENTIAL_SCAN = 0x08000000;
+inline constexpr std::uint32_t FILE_FLAG_RANDOM_ACCESS = 0x10000000;
+
+/// Opens or creates a file. `access` is made of the GENERIC bits, `share` of the FILE_SHARE bits, `disposition` is one of
+/// the four above, `flags` is made of an attribute, which counts for nothing here, and the FILE_FLAG bits.
+///
+/// An open that does not fit the sharing of one that stands, in this process or another, fails with
+/// ERROR_SHARING_VIOLATION, and a refused open leaves the file as it was: it is emptied last of all. With
+/// FILE_FLAG_DELETE_ON_CLOSE a file of that name must not exist yet; the new one has no name any more when the call
+/// returns, is readable by its owner alone, and lives as long as the handle.
+///
+/// On success the last error is ERROR_ALREADY_EXISTS where CREATE_ALWAYS or OPEN_ALWAYS took an existing file, else 0.
+HANDLE CreateFileW(const TChar* name, std::uint32_t access, std::uint32_t share, std::uint32_t disposition,
+                   std::uint32_t flags);
+/// Closes the file; its locks go with it.
+bool CloseHandle(HANDLE file);
+
+// ---- Files: transfer, position, size --------------------------------------------------------------------------------
+
+inline constexpr std::uint32_t FILE_BEGIN = 0;
+inline constexpr std::uint32_t FILE_CURRENT = 1;
+inline constexpr std::uint32_t FILE_END = 2;
+inline constexpr std::uint32_t INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
+inline constexpr std::uint32_t INVALID_FILE_SIZE = 0xFFFFFFFF;
+
+/// Reads up to `count` bytes at the file's position into `buffer` and moves the position. Fewer bytes than asked, 0 too,
+/// is no failure. `*done` is set in every case.
+bool ReadFile(HANDLE file, void* buffer, std::uint32_t count, std::uint32_t* done);
+/// Writes `count` bytes at the file's position and moves it. Goes on until all is written or the system refuses; what
+/// got out before a refusal is reported as a success with a smaller `*done`, so that the next call meets the reason.
+bool WriteFile(HANDLE file, const void* buffer, std::uint32_t count, std::uint32_t* done);
+/// Moves the file's position by `distance` bytes from `origin` and gives the low 32 bits of the new one.
+std::uint32_t SetFilePointer(HANDLE file, std::int32_t distance, std::uint32_t origin);
+/// The low 32 bits of the file's size in bytes.
+std::uint32_t GetFileSize(HANDLE file);
+/// Makes the position the end of the file.
+bool SetEndOfFile(HANDLE file);
+/// Has the system write its buffers for the file through to the device.
+bool FlushFileBuffers(HANDLE file);
+
+// ---- Names and directories ------------------------------------------------------------------------------------------
+
+/// The attributes of a file or directory, or INVALID_FILE_ATTRIBUTES.
+std::uint32_t GetFileAttributesW(const TChar* name);
+/// 0 if the file can be accessed in the mode, else -1. Mode: 0 exists, 2 may be written, 4 may be read, 6 both. A
+/// directory that is to be written must also be searchable.
+int _waccess(const TChar* name, int mode);
+/// Copies the value of an environment variable, its terminator included, into `buffer` of `size` units; `*required` is
+/// the size it takes, 0 if the variable is not set. Gives 0, or an error number if it did not fit.
+int _wgetenv_s(std::size_t* required, TChar* buffer, std::size_t size, const TChar* name);
+/// Puts the directory for temporary files that is left when nothing else names one into `buffer` of `size` units, and
+/// gives its length, or 0 if it does not fit.
+std::size_t GetLastResortTempDirectory(TChar* buffer, std::size_t size);
+
+// ---- Threads --------------------------------------------------------------------------------------------------------
+
+inline constexpr std::uint32_t TLS_OUT_OF_INDEXES = 0xFFFFFFFF;
+
+/// Gives an index under which every thread has a pointer of its own, null at first; TLS_OUT_OF_INDEXES if none is left.
+std::uint32_t TlsAlloc();
+/// Gives the index back.
+bool TlsFree(std::uint32_t index);
+/// The calling thread's pointer under the index; null for an index that is not in use. Valid until the thread is gone,
+/// also in the steps that run at its end.
+void* TlsGetValue(std::uint32_t index);
+/// Sets it. False for an index that is not in use.
+bool TlsSetValue(std::uint32_t index, void* value);
+
+/// A lock among the threads of the process, recursive for its owner. Plain storage; lives between Initialize and Delete.
+struct CRITICAL_SECTION {
+  alignas(std::max_align_t) unsigned char storage[64];
+};
+void InitializeCriticalSection(CRITICAL_SECTION* section);
+void EnterCriticalSection(CRITICAL_SECTION* section);
+void LeaveCriticalSection(CRITICAL_SECTION* section);
+void DeleteCriticalSection(CRITICAL_SECTION* section);
+
+/// The system's id of the calling thread, never 0. No system call but for the first on a thread and the first in a forked
+/// child.
+std::uint32_t GetCurrentThreadId();
+
+// ---- Loading --------------------------------------------------------------------------------------------------------
+
+inline constexpr std::uint32_t DLL_PROCESS_DETACH = 0;
+inline constexpr std::uint32_t DLL_PROCESS_ATTACH = 1;
+inline constexpr std::uint32_t DLL_THREAD_ATTACH = 2;
+inline constexpr std::uint32_t DLL_THREAD_DETACH = 3;
+
+/// What the loader calls, defined by the module that is being loaded: 1 for success, 0 for failure.
+/// - DLL_PROCESS_ATTACH when the module is loaded, before any static object of the program.
+/// - DLL_PROCESS_DETACH at unload or exit, on the thread that runs it, after the program's static objects are gone; not if
+///   the attach failed, since a load cannot be refused here.
+/// - DLL_THREAD_DETACH at the end of a thread that has called `NotifyThreadEnd`, after its thread-local objects are gone;
+///   not on the thread that got DLL_PROCESS_ATTACH, and not for threads that live on at unload.
+/// None of these runs in a forked child. There is no notification of a thread's start.
+std::int32_t ModuleEntry(std::uint32_t reason);
+/// Asks for DLL_THREAD_DETACH at the end of the calling thread. Asking again changes nothing.
+void NotifyThreadEnd();
+
+// ---- Clock ----------------------------------------------------------------------------------------------------------
+
+/// A moment in local time.
+struct SYSTEMTIME {
+  std::uint16_t wYear;
+  std::uint16_t wMonth;
+  std::uint16_t wDayOfWeek;
+  std::uint16_t wDay;
+  std::uint16_t wHour;
+  std::uint16_t wMinute;
+  std::uint16_t wSecond;
+  std::uint16_t wMilliseconds;
+};
+
+/// Milliseconds since the system started; wraps after 49.7 days.
+std::uint32_t GetTickCount();
+void GetLocalTime(SYSTEMTIME* time);
+/// Sets the system's clock. A date or time that does not exist is refused with ERROR_INVALID_PARAMETER.
+bool SetLocalTime(const SYSTEMTIME* time);
+
+// ---- User -----------------------------------------------------------------------------------------------------------
+
+inline constexpr std::uint32_t MB_ICONHAND = 0x10;
+inline constexpr std::uint32_t MB_TASKMODAL = 0x2000;
+
+/// Shows the caption and the text to the user: here on standard error, each on a line of its own, in UTF-8.
+void MessageBoxW(const TChar* text, const TChar* caption, std::uint32_t style);
+
+// ---- Characters and numbers -----------------------------------------------------------------------------------------
+
+/// Compares without regard to the case of ASCII letters, by unit: below, at or above 0.
+int _wcsicmp(const TChar* left, const TChar* right);
+
+/// The digits of `value` in `base` 2 to 36, in lower case, into `buffer` of `size` characters, terminator included.
+/// Signed values show a minus sign in base 10 and their two's complement in others. Gives 0, or an error number with the
+/// buffer emptied.
+int _itoa_s(std::int32_t value, char* buffer, std::size_t size, int base);
+int _ultoa_s(std::uint32_t value, char* buffer, std::size_t size, int base);
+int _ltoa_s(std::int32_t value, char* buffer, std::size_t size, int base);
+int _i64toa_s(std::int64_t value, char* buffer, std::size_t size, int base);
+int _ui64toa_s(std::uint64_t value, char* buffer, std::size_t size, int base);
+
+}  // namespace host

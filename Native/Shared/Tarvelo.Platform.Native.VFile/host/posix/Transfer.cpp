@@ -1,0 +1,116 @@
+#include <cerrno>
+#include <fcntl.h>
+#include <limits>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "host/posix/PosixNames.h"
+
+namespace host {
+namespace {
+
+using posix::ErrorFromErrno;
+using posix::Fail;
+
+/// EBADF of a transfer says either that there is no such file or that it was opened for the other direction.
+std::uint32_t TransferError(int error, int descriptor) {
+  if (error == EBADF && fcntl(descriptor, F_GETFL) >= 0) return ERROR_ACCESS_DENIED;
+  return ErrorFromErrno(error);
+}
+
+/// Whether the file is open for writing; otherwise the last error tells why not.
+bool IsWritable(int descriptor) {
+  const int flags = fcntl(descriptor, F_GETFL);
+  if (flags < 0) return Fail(ErrorFromErrno(errno));
+  return (flags & O_ACCMODE) != O_RDONLY || Fail(ERROR_ACCESS_DENIED);
+}
+
+}  // namespace
+
+bool ReadFile(HANDLE file, void* buffer, std::uint32_t count, std::uint32_t* done) {
+  const int descriptor = DescriptorFromHandle(file);
+  ssize_t got;
+  do {
+    got = read(descriptor, buffer, count);
+  } while (got < 0 && errno == EINTR);
+  *done = got < 0 ? 0 : static_cast<std::uint32_t>(got);
+  return got >= 0 || Fail(TransferError(errno, descriptor));
+}
+
+bool WriteFile(HANDLE file, const void* buffer, std::uint32_t count, std::uint32_t* done) {
+  const int descriptor = DescriptorFromHandle(file);
+  const auto* next = static_cast<const char*>(buffer);
+  std::uint32_t written = 0;
+  ssize_t put = 0;
+  do {
+    put = write(descriptor, next + written, count - written);
+    if (put > 0) written += static_cast<std::uint32_t>(put);
+  } while (written < count && (put > 0 || (put < 0 && errno == EINTR)));
+  *done = written;
+  return put >= 0 || written > 0 || Fail(TransferError(errno, descriptor));
+}
+
+std::uint32_t SetFilePointer(HANDLE file, std::int32_t distance, std::uint32_t origin) {
+  const int descriptor = DescriptorFromHandle(file);
+  const auto refuse = [](std::uint32_t error) {
+    SetLastError(error);
+    return INVALID_SET_FILE_POINTER;
+  };
+  off_t from = 0;
+  struct stat status;
+  switch (origin) {
+    case FILE_BEGIN:
+      break;
+    case FILE_CURRENT:
+      from = lseek(descriptor, 0, SEEK_CUR);
+      if (from < 0) return refuse(ErrorFromErrno(errno));
+      break;
+    case FILE_END:
+      if (fstat(descriptor, &status) != 0) return refuse(ErrorFromErrno(errno));
+      from = status.st_size;
+      break;
+    default:
+      return refuse(ERROR_INVALID_PARAMETER);
+  }
+  const off_t target = from + distance;
+  if (target < 0) return refuse(ERROR_NEGATIVE_SEEK);
+  if (target > std::numeric_limits<std::uint32_t>::max()) return refuse(ERROR_INVALID_PARAMETER);
+  if (lseek(descriptor, target, SEEK_SET) < 0) return refuse(ErrorFromErrno(errno));
+  const auto position = static_cast<std::uint32_t>(target);
+  if (position == INVALID_SET_FILE_POINTER) SetLastError(ERROR_SUCCESS);
+  return position;
+}
+
+std::uint32_t GetFileSize(HANDLE file) {
+  struct stat status;
+  if (fstat(DescriptorFromHandle(file), &status) != 0) {
+    SetLastError(ErrorFromErrno(errno));
+    return INVALID_FILE_SIZE;
+  }
+  return static_cast<std::uint32_t>(status.st_size);
+}
+
+bool SetEndOfFile(HANDLE file) {
+  const int descriptor = DescriptorFromHandle(file);
+  if (!IsWritable(descriptor)) return false;
+  const off_t position = lseek(descriptor, 0, SEEK_CUR);
+  if (position < 0) return Fail(ErrorFromErrno(errno));
+  int result;
+  do {
+    result = ftruncate(descriptor, position);
+  } while (result != 0 && errno == EINTR);
+  return result == 0 || Fail(ErrorFromErrno(errno));
+}
+
+bool FlushFileBuffers(HANDLE file) {
+  const int descriptor = DescriptorFromHandle(file);
+  if (!IsWritable(descriptor)) return false;
+  int result;
+  do {
+    result = fsync(descriptor);
+  } while (result != 0 && errno == EINTR);
+  // A pipe or device that has nothing to write through answers EINVAL.
+  return result == 0 || errno == EINVAL || Fail(ErrorFromErrno(errno));
+}
+
+}  // namespace host

@@ -1,0 +1,56 @@
+// Reading by a cursor of the reader's, which leaves the object as it is. Where the cursor stands in the current block the
+// bytes come from the scratch buffer, since the page may be older.
+
+#include <algorithm>
+#include <cstring>
+
+#include "vfile/Require.h"
+#include "vfile/VFile.h"
+#include "vfile/Walk.h"
+#include "vmem/VMem.h"
+
+void VFile::SetPosC(BlkRdr& rd, std::int32_t position) const {
+  if (!vfile::Require(TSTR("SetPosC"), position >= 0, TSTR("call error"))) return;
+  rd = cur;
+  vfile::Walk(rd, first, last, length, std::min(position, length), false);
+}
+
+void VFile::ReadBytesC(BlkRdr& rd, void* buffer, std::int32_t count) const {
+  static constexpr const TChar* kProc = TSTR("ReadBytesC");
+  const bool valid = count <= length - (rd.base + rd.ix) && count >= 0 && buffer != nullptr;
+  if (!vfile::Require(kProc, valid, TSTR("call error"))) return;
+  auto* target = static_cast<unsigned char*>(buffer);
+  while (count > 0) {
+    if (!StepC(rd, kProc)) return;
+    const auto n = static_cast<std::int16_t>(std::min(rd.ptr->len - rd.ix, count));
+    CopyC(rd, target, n);
+    rd.ix = static_cast<std::int16_t>(rd.ix + n);
+    target += n;
+    count -= n;
+  }
+}
+
+void VFile::ReadByteC(BlkRdr& rd, unsigned char& byte) const {
+  static constexpr const TChar* kProc = TSTR("ReadByteC");
+  if (!vfile::Require(kProc, rd.base + rd.ix < length, TSTR("call error")) || !StepC(rd, kProc)) return;
+  CopyC(rd, &byte, 1);
+  ++rd.ix;
+}
+
+/// Steps to the next block while the cursor is at the end of its own.
+bool VFile::StepC(BlkRdr& rd, const TChar* proc) const {
+  while (rd.ix >= rd.ptr->len) {
+    if (!vfile::Require(proc, rd.ptr->next != nullptr, TSTR("rd.ptr->next==NIL"))) return false;
+    rd = {rd.ptr->next, rd.base + rd.ptr->len, 0};
+  }
+  return true;
+}
+
+/// Copies `count` bytes of the cursor's block.
+void VFile::CopyC(const BlkRdr& rd, void* buffer, std::int16_t count) const {
+  if (rd.ptr == cur.ptr && bufValid) {
+    std::memcpy(buffer, buf + rd.ix, static_cast<std::size_t>(count));
+  } else {
+    vm->Get(rd.ptr->addr + rd.ix, buffer, count);
+  }
+}

@@ -1,0 +1,131 @@
+#include <string>
+#include <type_traits>
+
+#include "host/Host.h"
+#include "vfile/VFile.h"
+
+namespace {
+
+std::int32_t LengthOf(const char* text) { return static_cast<std::int32_t>(std::char_traits<char>::length(text)); }
+
+}  // namespace
+
+// ---- Assignment ----
+
+// A file may be its own source.
+VFile& VFile::operator=(const VFile& source) {  // NOLINT(bugprone-unhandled-self-assignment)
+  ReplaceTxt(0, length, source, 0, MaxLen);
+  return *this;
+}
+
+VFile& VFile::operator=(const char* text) {
+  ReplaceBuf(0, length, text, LengthOf(text));
+  return *this;
+}
+
+VFile& VFile::operator=(signed char ch) {
+  ReplaceBuf(0, length, &ch, 1);
+  return *this;
+}
+
+VFile& VFile::operator=(char ch) {
+  ReplaceBuf(0, length, &ch, 1);
+  return *this;
+}
+
+VFile& VFile::operator=(unsigned char ch) {
+  ReplaceBuf(0, length, &ch, 1);
+  return *this;
+}
+
+// ---- Reading ----
+
+VFile& VFile::operator>>(signed char& ch) {
+  ReadChar(ch);
+  return *this;
+}
+
+VFile& VFile::operator>>(char& ch) {
+  ReadChar(ch);
+  return *this;
+}
+
+VFile& VFile::operator>>(unsigned char& ch) {
+  ReadChar(ch);
+  return *this;
+}
+
+VFile& VFile::operator>>(VFile& target) {
+  target.ReplaceTxt(0, MaxLen, *this, pos, MaxLen);
+  if (target.res != resDone) {
+    res = target.res;
+  } else {
+    SetPos(MaxLen);
+  }
+  return *this;
+}
+
+// ---- Writing ----
+
+VFile& VFile::operator<<(signed char ch) { return *this << static_cast<unsigned char>(ch); }
+VFile& VFile::operator<<(char ch) { return *this << static_cast<unsigned char>(ch); }
+
+VFile& VFile::operator<<(unsigned char ch) {
+  WriteByte(ch);
+  return *this;
+}
+
+VFile& VFile::operator<<(const char* text) {
+  Write(text);
+  return *this;
+}
+
+VFile& VFile::operator<<(const VFile& source) {
+  Write(source, 0, MaxLen);
+  return *this;
+}
+
+/// Writes the digits of a number, at 32 or 64 bits by its width.
+template <typename Value>
+VFile& VFile::WriteNumber(Value value) {
+  char text[65];
+  if constexpr (std::is_signed_v<Value> && sizeof(Value) <= 4) {
+    host::_itoa_s(value, text, sizeof text, radix);
+  } else if constexpr (std::is_signed_v<Value>) {
+    host::_i64toa_s(value, text, sizeof text, radix);
+  } else if constexpr (sizeof(Value) <= 4) {
+    host::_ultoa_s(value, text, sizeof text, radix);
+  } else {
+    host::_ui64toa_s(value, text, sizeof text, radix);
+  }
+  return *this << static_cast<const char*>(text);
+}
+
+VFile& VFile::operator<<(short value) { return WriteNumber(value); }
+VFile& VFile::operator<<(unsigned short value) { return WriteNumber(value); }
+VFile& VFile::operator<<(int value) { return WriteNumber(value); }
+VFile& VFile::operator<<(unsigned int value) { return WriteNumber(value); }
+VFile& VFile::operator<<(long value) { return WriteNumber(value); }
+VFile& VFile::operator<<(unsigned long value) { return WriteNumber(value); }
+VFile& VFile::operator<<(long long value) { return WriteNumber(value); }
+VFile& VFile::operator<<(unsigned long long value) { return WriteNumber(value); }
+
+// ---- Appending ----
+
+VFile& VFile::operator+=(signed char ch) { return *this += static_cast<unsigned char>(ch); }
+VFile& VFile::operator+=(char ch) { return *this += static_cast<unsigned char>(ch); }
+
+VFile& VFile::operator+=(unsigned char ch) {
+  AppendByte(ch);
+  return *this;
+}
+
+VFile& VFile::operator+=(const char* text) {
+  Append(text);
+  return *this;
+}
+
+VFile& VFile::operator+=(const VFile& source) {
+  Append(source, 0, MaxLen);
+  return *this;
+}

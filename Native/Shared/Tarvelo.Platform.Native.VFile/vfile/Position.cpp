@@ -1,0 +1,43 @@
+#include <algorithm>
+
+#include "hsys/WrapAdd.h"
+#include "vfile/VFile.h"
+#include "vfile/Walk.h"
+
+void VFile::SetPos(std::int32_t position) {
+  if (!OnOwnerThread()) return;
+  if (position < 0) {
+    res = resCallError;
+    return;
+  }
+  position = std::min(position, length);
+  BlkRdr target = cur;
+  vfile::Walk(target, first, last, length, position, false);
+  MoveTo(target);
+  pos = position;
+  res = resDone;
+  eof = false;
+}
+
+void VFile::SetPos(std::int32_t offset, std::int32_t origin) {
+  switch (origin) {
+    case 0:
+      return SetPos(offset);
+    case 1:
+      return SetPos(hsys::WrapAdd(pos, offset));
+    case 2:
+      return SetPos(hsys::WrapAdd(length, offset));
+    default:
+      res = resCallError;
+  }
+}
+
+void VFile::Reset() { SetPos(0); }
+
+std::int32_t VFile::GetPos() const { return pos; }
+
+std::int32_t VFile::Length() const { return length; }
+
+bool VFile::Eof() const { return pos >= length; }
+
+bool VFile::Bof() const { return pos <= 0; }

@@ -1,0 +1,165 @@
+#include <algorithm>
+#include <cstring>
+
+#include "vfile/VFile.h"
+#include "vmem/VMem.h"
+
+namespace {
+
+constexpr unsigned char kCr = 13;
+constexpr unsigned char kLf = 10;
+
+/// Calls a reader of bytes for another 8-bit type.
+template <typename Char, typename Reader>
+auto ReadAs(Char& ch, Reader reader) {
+  return reader(reinterpret_cast<unsigned char&>(ch));
+}
+
+}  // namespace
+
+// ---- Hot paths: a byte of a block that is in the buffer ----
+
+void VFile::ReadByte(unsigned char& byte) {
+  if (cur.ix >= cur.ptr->len && !StepForward()) [[unlikely]] {
+    byte = 0;
+    eof = true;
+    return;
+  }
+  if (LoadBuf()) [[likely]] {
+    byte = buf[cur.ix];
+  } else {
+    vm->Get(cur.ptr->addr + cur.ix, byte);
+  }
+  Skip(1);
+}
+
+void VFile::ReadPrevByte(unsigned char& byte) {
+  if (cur.ix < 1 && !StepBackward()) [[unlikely]] {
+    byte = 0;
+    eof = true;
+    return;
+  }
+  if (LoadBuf()) [[likely]] {
+    byte = buf[cur.ix - 1];
+  } else {
+    vm->Get(cur.ptr->addr + cur.ix - 1, byte);
+  }
+  Skip(-1);
+}
+
+std::int32_t VFile::ReadBytes(void* buffer, std::int32_t count) {
+  if (count < 0 || (buffer == nullptr && count > 0)) {
+    res = resCallError;
+    return 0;
+  }
+  auto* target = static_cast<unsigned char*>(buffer);
+  std::int32_t got = 0;
+  while (got < count) {
+    if (!StepForward()) {
+      eof = true;
+      return got;
+    }
+    const std::int32_t n = std::min(cur.ptr->len - cur.ix, count - got);
+    if (bufValid) {
+      std::memcpy(target + got, buf + cur.ix, static_cast<std::size_t>(n));
+    } else {
+      vm->Get(cur.ptr->addr + cur.ix, target + got, static_cast<std::int16_t>(n));
+    }
+    got += n;
+    Skip(n);
+  }
+  eof = false;
+  return got;
+}
+
+// ---- Typed ----
+
+void VFile::ReadChar(signed char& ch) {
+  ReadAs(ch, [this](unsigned char& byte) { ReadByte(byte); });
+}
+void VFile::ReadChar(char& ch) {
+  ReadAs(ch, [this](unsigned char& byte) { ReadByte(byte); });
+}
+void VFile::ReadChar(unsigned char& ch) { ReadByte(ch); }
+void VFile::ReadPrevChar(signed char& ch) {
+  ReadAs(ch, [this](unsigned char& byte) { ReadPrevByte(byte); });
+}
+void VFile::ReadPrevChar(char& ch) {
+  ReadAs(ch, [this](unsigned char& byte) { ReadPrevByte(byte); });
+}
+void VFile::ReadPrevChar(unsigned char& ch) { ReadPrevByte(ch); }
+
+void VFile::ReadWord(short& value) { ReadBytes(&value, sizeof value); }
+void VFile::ReadWord(unsigned short& value) { ReadBytes(&value, sizeof value); }
+void VFile::ReadDWord(int& value) { ReadBytes(&value, sizeof value); }
+void VFile::ReadDWord(unsigned int& value) { ReadBytes(&value, sizeof value); }
+void VFile::ReadQWord(long long& value) { ReadBytes(&value, sizeof value); }
+void VFile::ReadQWord(unsigned long long& value) { ReadBytes(&value, sizeof value); }
+#if LONG_MAX > INT_MAX
+void VFile::ReadQWord(long& value) { ReadBytes(&value, sizeof value); }
+void VFile::ReadQWord(unsigned long& value) { ReadBytes(&value, sizeof value); }
+#else
+void VFile::ReadDWord(long& value) { ReadBytes(&value, sizeof value); }
+void VFile::ReadDWord(unsigned long& value) { ReadBytes(&value, sizeof value); }
+#endif
+
+// ---- Text ----
+
+/// Consumes the LF of a CR LF whose CR has been read; gives whether there was one.
+bool VFile::SkipLf() {
+  const std::int32_t behindCr = pos;
+  unsigned char byte;
+  ReadByte(byte);
+  if (byte == kLf && !eof) return true;
+  SetPos(behindCr);
+  return false;
+}
+
+std::int32_t VFile::Read(unsigned char& ch) {
+  ReadByte(ch);
+  if (eof) return 0;
+  if (ch != kCr) return 1;
+  ch = kLf;
+  return SkipLf() ? 2 : 1;
+}
+
+std::int32_t VFile::Read(signed char& ch) {
+  return ReadAs(ch, [this](unsigned char& byte) { return Read(byte); });
+}
+
+std::int32_t VFile::Read(char& ch) {
+  return ReadAs(ch, [this](unsigned char& byte) { return Read(byte); });
+}
+
+std::int32_t VFile::ReadTxt(char* buffer, std::int32_t size, std::int32_t position, std::int32_t count) {
+  if (buffer == nullptr || size <= 0 || position < 0 || count < 0) {
+    res = resCallError;
+    return 0;
+  }
+  position = std::min(position, length);
+  count = std::min(count, length - position);
+  SetPos(position);
+  const std::int32_t got = ReadBytes(buffer, std::min(count, size - 1));
+  buffer[got] = '\0';
+  return got;
+}
+
+std::int32_t VFile::ReadLine(char* buffer, std::int32_t size) {
+  if (buffer == nullptr || size < 1) {
+    res = resCallError;
+    return 0;
+  }
+  std::int32_t stored = 0;
+  for (;;) {
+    unsigned char byte;
+    ReadByte(byte);
+    if (eof || byte == kLf) break;
+    if (byte == kCr) {
+      SkipLf();
+      break;
+    }
+    if (stored < size - 1) buffer[stored++] = static_cast<char>(byte);
+  }
+  buffer[stored] = '\0';
+  return stored;
+}

@@ -1,0 +1,244 @@
+// The five primitives. Each admits its arguments, gathers the new bytes, changes and finishes; the numbers of the steps are
+// those of the contract in VFile.h.
+
+#include <algorithm>
+#include <cstring>
+
+#include "host/Host.h"
+#include "hsys/Checked.h"
+#include "vfile/NewChain.h"
+#include "vfile/Require.h"
+#include "vmem/VMem.h"
+
+// ---- Sources: each gives the next `count` bytes, if need be in `spare` ----
+
+class VFile::BufferSource {
+ public:
+  explicit BufferSource(const void* buffer) : next_(static_cast<const unsigned char*>(buffer)) {}
+
+  const void* Take(void* /*spare*/, std::int32_t count) {
+    const unsigned char* bytes = next_;
+    if (count > 0) next_ += count;
+    return bytes;
+  }
+
+ private:
+  const unsigned char* next_;
+};
+
+class VFile::FileSource {
+ public:
+  FileSource(const VFile& file, std::int32_t position) : file_(file), position_(position) {}
+
+  const void* Take(void* spare, std::int32_t count) {
+    if (rd_.ptr == nullptr) file_.SetPosC(rd_, position_);
+    if (count > 0) file_.ReadBytesC(rd_, spare, count);
+    return spare;
+  }
+
+ private:
+  const VFile& file_;
+  std::int32_t position_;
+  BlkRdr rd_;
+};
+
+// ---- Steps ----
+
+/// Steps 2 and 3.
+bool VFile::Admit(bool argumentsValid) {
+  if (!argumentsValid) {
+    res = resCallError;
+  } else if (FlagOn(vfLocked)) {
+    res = resContextError;
+  } else if (FlagOn(vfReadOnly)) {
+    res = resReadOnly;
+  }
+  return res == resDone;
+}
+
+/// Step 4.
+bool VFile::Clamp(std::int32_t& position, std::int32_t& del, std::int32_t count) {
+  position = std::min(position, length);
+  del = std::min(del, length - position);
+  if (length - del > MaxLen - count) res = resTooLong;
+  return res == resDone;
+}
+
+/// The question of step 5.
+bool VFile::Allow(std::int32_t position, std::int32_t del, std::int32_t ins) {
+  res = PreChange(position, del, ins);
+  return res == resDone;
+}
+
+/// The end of step 5.
+void VFile::Changed(std::int32_t position, std::int32_t del, std::int32_t ins) {
+  length -= del;
+  length += ins;
+  PostChange(position, del, ins);
+}
+
+/// Step 6.
+void VFile::Finish(std::int32_t position) {
+  SetPos(position);
+  if constexpr (hsys::kChecked) CheckInvariants();
+}
+
+// ---- The change of a buffer or a file, whose arguments are settled ----
+
+/// Whether the change stays inside the current block.
+bool VFile::FitsInBlock(std::int32_t del, std::int32_t count) const {
+  return del <= cur.ptr->len - cur.ix && count <= BlkSize - (cur.ptr->len - del);
+}
+
+template <typename Source>
+bool VFile::ChangeFrom(Source& source, std::int32_t position, std::int32_t del, std::int32_t count) {
+  const bool done = FitsInBlock(del, count) ? ChangeInBlock(source, position, del, count)
+                                            : ChangeByChain(source, position, del, count);
+  if (done) Changed(position, del, count);
+  return done;
+}
+
+/// Touches the scratch buffer alone.
+template <typename Source>
+bool VFile::ChangeInBlock(Source& source, std::int32_t position, std::int32_t del, std::int32_t count) {
+  if (!Allow(position, del, count)) return false;
+  // The source may be this file, so its bytes come before any moves.
+  unsigned char spare[BlkSize];
+  const void* bytes = source.Take(spare, count);
+  unsigned char* at = buf + cur.ix;
+  const std::int32_t tail = cur.ptr->len - cur.ix - del;
+  if (tail > 0 && del != count) std::memmove(at + count, at + del, static_cast<std::size_t>(tail));
+  if (count > 0) std::memcpy(at, bytes, static_cast<std::size_t>(count));
+  cur.ptr->len = static_cast<std::int16_t>(cur.ptr->len - del + count);
+  bufDirty = true;
+  CheckCurLen();
+  return true;
+}
+
+/// Fills the current block and brings the rest of the bytes in blocks of their own, which are ready before the question is
+/// asked, so that a refusal can throw them away.
+template <typename Source>
+bool VFile::ChangeByChain(Source& source, std::int32_t position, std::int32_t del, std::int32_t count) {
+  unsigned char headSpare[BlkSize];
+  const std::int32_t n = std::min(count, BlkSize - cur.ix);
+  const void* head = source.Take(headSpare, n);
+  NewChain chain(*this);
+  unsigned char spare[BlkSize];
+  for (std::int32_t left = count - n; left > 0;) {
+    const std::int32_t part = std::min(left, BlkSize);
+    if (!chain.Append(source.Take(spare, part), part)) return false;
+    left -= part;
+  }
+  if (!Allow(position, del, count)) return false;
+  DoChange(del, head, n, chain);
+  return res == resDone;
+}
+
+// ---- The primitives ----
+
+void VFile::ReplaceBuf(std::int32_t position, std::int32_t del, const void* buffer, std::int32_t count) {
+  if (!OnOwnerThread() || res != resDone) return;
+  if (del == SameLen) del = count;
+  if (!Admit(position >= 0 && del >= 0 && count >= 0 && (buffer != nullptr || count == 0))) return;
+  if (!Clamp(position, del, count)) return;
+  if (del > 0 || count > 0) {
+    InitChange(position);
+    if (res != resDone) return;
+    if (type > 0 && count > 0 && FlagOn(vfEolScan) && !FlagOn(vfNoEolScan)) CheckEOL(buffer, count);
+    BufferSource source(buffer);
+    if (!ChangeFrom(source, position, del, count)) return;
+  }
+  Finish(position + count);
+}
+
+void VFile::ReplaceCh(std::int32_t position, std::int32_t del, char ch, std::int32_t count) {
+  if (!OnOwnerThread()) return;
+  if (count <= 1) return ReplaceBuf(position, del, &ch, count);
+  char bytes[BlkSize];
+  std::memset(bytes, ch, static_cast<std::size_t>(std::min(count, BlkSize)));
+  while (count > 0) {
+    const std::int32_t part = std::min(count, BlkSize);
+    ReplaceBuf(position, del, bytes, part);
+    if (res != resDone) return;
+    del = 0;
+    // A position past every end stays there.
+    position = std::min(position, MaxLen - part) + part;
+    count -= part;
+  }
+}
+
+void VFile::ReplaceTxt(std::int32_t position, std::int32_t del, const VFile& source, std::int32_t sourcePos,
+                       std::int32_t count) {
+  if (!OnOwnerThread() || !vfile::Require(source.threadId == threadId) || res != resDone) return;
+  const bool sameLen = del == SameLen;
+  if (sameLen) del = 0;
+  if (!Admit(position >= 0 && del >= 0 && sourcePos >= 0 && count >= 0)) return;
+  sourcePos = std::min(sourcePos, source.length);
+  count = std::min(count, source.length - sourcePos);
+  if (sameLen) del = count;
+  if (!Clamp(position, del, count)) return;
+  if (del > 0 || count > 0) {
+    InitChange(position);
+    if (res != resDone) return;
+    FileSource bytes(source, sourcePos);
+    if (!ChangeFrom(bytes, position, del, count)) return;
+  }
+  Finish(position + count);
+}
+
+void VFile::ReplaceFile(std::int32_t position, std::int32_t del, HFile& source, std::int32_t count) {
+  ReplaceByReading(position, del, source.IsOpen(), count, [&](void* buffer, std::int32_t size, std::int32_t& failure) {
+    const std::int32_t got = source.ReadBytes(buffer, size);
+    failure = source.res == resDone ? std::int32_t{resDone} : GetFileRes(source);
+    return got;
+  });
+}
+
+void VFile::ReplaceFile(std::int32_t position, std::int32_t del, HANDLE source, std::int32_t count) {
+  const bool open = source != INVALID_HANDLE_VALUE;
+  ReplaceByReading(position, del, open, count, [&](void* buffer, std::int32_t size, std::int32_t& failure) {
+    std::uint32_t got = 0;
+    const bool read = host::ReadFile(source, buffer, static_cast<std::uint32_t>(size), &got);
+    failure = read ? std::int32_t{resDone} : GetFileRes();
+    return static_cast<std::int32_t>(got);
+  });
+}
+
+/// The primitive of a source that is read before anything else is looked at, and always comes in as blocks of its own, one
+/// for each piece. `readPiece` reads up to a number of bytes into a buffer, gives how many, and sets the failure.
+template <typename ReadPiece>
+void VFile::ReplaceByReading(std::int32_t position, std::int32_t del, bool open, std::int32_t count,
+                             ReadPiece readPiece) {
+  if (!OnOwnerThread() || res != resDone) return;
+  const bool sameLen = del == SameLen;
+  if (sameLen) del = 0;
+  if (!Admit(position >= 0 && del >= 0 && count >= 0 && open)) return;
+  NewChain chain(*this);
+  std::int32_t total = 0;
+  while (total < count) {
+    unsigned char piece[BlkSize];
+    std::int32_t failure = resDone;
+    const std::int32_t got = readPiece(piece, std::min(count - total, BlkSize), failure);
+    if (failure != resDone) {
+      res = failure;
+      return;
+    }
+    if (got == 0) break;
+    if (!chain.Append(piece, got)) return;
+    total += got;
+  }
+  if (total < count && count != MaxLen) {
+    res = resNotDone;
+    return;
+  }
+  if (sameLen) del = total;
+  if (!Clamp(position, del, total)) return;
+  if (del > 0 || total > 0) {
+    InitChange(position);
+    if (res != resDone || !Allow(position, del, total)) return;
+    DoChange(del, nullptr, 0, chain);
+    if (res != resDone) return;
+    Changed(position, del, total);
+  }
+  Finish(position + total);
+}

@@ -1,0 +1,17 @@
+/// @file
+/// The assertions of virtual files, under their module word.
+#pragma once
+
+#include "hsys/Require.h"
+
+namespace vfile {
+
+inline bool Require(bool holds, std::int32_t line = __builtin_LINE()) {
+  return hsys::Require(TSTR("VFile"), holds, line);
+}
+
+inline bool Require(const TChar* proc, bool holds, const TChar* message) {
+  return hsys::Require(TSTR("VFile"), proc, holds, message);
+}
+
+}  // namespace vfile

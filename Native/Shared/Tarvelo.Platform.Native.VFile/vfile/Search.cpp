@@ -1,0 +1,123 @@
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+#include "hsys/WrapAdd.h"
+#include "vfile/SearchText.h"
+#include "vfile/VFile.h"
+
+namespace {
+
+std::int32_t LengthOf(const char* text) { return static_cast<std::int32_t>(std::strlen(text)); }
+
+bool IsWordByte(unsigned char byte) { return std::isalnum(byte) != 0; }
+
+}  // namespace
+
+bool VFile::Find(std::int32_t& position, const char* text, bool ignoreCase, bool wholeWord) {
+  if (!OnOwnerThread()) return false;
+  if (position < 0) {
+    res = resCallError;
+    return false;
+  }
+  const std::int32_t n = LengthOf(text);
+  if (n == 0) return true;
+  do {
+    if (!ScanForward(position, text, ignoreCase)) return false;
+  } while (wholeWord && (IsWordByteBehind(position) || IsWordByteBefore(position - n)));
+  return true;
+}
+
+bool VFile::FindBack(std::int32_t& position, const char* text, bool ignoreCase, bool wholeWord) {
+  if (!OnOwnerThread()) return false;
+  if (position < 0) {
+    res = resCallError;
+    return false;
+  }
+  const std::int32_t n = LengthOf(text);
+  if (n == 0) return true;
+  do {
+    if (!ScanBackward(position, text, ignoreCase)) return false;
+  } while (wholeWord && (IsWordByteBefore(position) || IsWordByteBehind(position + n)));
+  return true;
+}
+
+std::int32_t VFile::ReplaceGlobal(const char* oldText, const char* newText, bool ignoreCase, bool wholeWord) {
+  if (!OnOwnerThread()) return 0;
+  const std::int32_t n = LengthOf(oldText);
+  const std::int32_t m = LengthOf(newText);
+  if (n == 0) {
+    res = resCallError;
+    return 0;
+  }
+  std::int32_t count = 0;
+  for (std::int32_t at = 0; Find(at, oldText, ignoreCase, wholeWord); ++count) {
+    ReplaceBuf(at - n, n, newText, m);
+    if (res != resDone) break;
+    // Behind the new text, which is not searched again.
+    at = pos;
+  }
+  return count;
+}
+
+// The bytes next to a match. An end of the file reads as 0, which is no word byte.
+
+bool VFile::IsWordByteBehind(std::int32_t position) {
+  unsigned char byte;
+  SetPos(position);
+  ReadByte(byte);
+  return IsWordByte(byte);
+}
+
+bool VFile::IsWordByteBefore(std::int32_t position) {
+  unsigned char byte;
+  SetPos(position);
+  ReadPrevByte(byte);
+  return IsWordByte(byte);
+}
+
+// The two scans. Each goes through the file once, block by block. Found or not, one byte more than the match has been read
+// in the end, or the end of the file been met, and `position` counts the bytes.
+
+bool VFile::ScanForward(std::int32_t& position, const char* text, bool ignoreCase) {
+  vfile::SearchText search(text, vfile::SearchText::kForward, ignoreCase);
+  RunBuffer spare;
+  SetPos(position);
+  for (;;) {
+    const Run run = RunForward(spare);
+    if (run.count == 0) {
+      eof = true;
+      position = hsys::WrapAdd(position, 1);
+      return false;
+    }
+    const std::int32_t taken = search.FeedForward(run.bytes, run.count);
+    Skip(taken < 0 ? run.count : taken);
+    position += taken < 0 ? run.count : taken;
+    if (taken < 0) continue;
+    unsigned char behind;
+    ReadByte(behind);
+    return true;
+  }
+}
+
+bool VFile::ScanBackward(std::int32_t& position, const char* text, bool ignoreCase) {
+  vfile::SearchText search(text, vfile::SearchText::kBackward, ignoreCase);
+  RunBuffer spare;
+  position = std::min(position, length);
+  SetPos(position);
+  for (;;) {
+    const Run run = RunBackward(spare);
+    if (run.count == 0) {
+      eof = true;
+      position = -1;
+      return false;
+    }
+    const std::int32_t taken = search.FeedBackward(run.bytes, run.count);
+    Skip(taken < 0 ? -run.count : -taken);
+    position -= taken < 0 ? run.count : taken;
+    if (taken < 0) continue;
+    unsigned char before;
+    ReadPrevByte(before);
+    return true;
+  }
+}

@@ -1,0 +1,152 @@
+// The list of cached pages and the hash table. Nothing else touches them, but for the lookup in PageLayout.h.
+//
+// Two facts surprise. Replacement goes by the order of loading, since a hit through the hash table moves nothing. And a
+// descriptor is good only until the next page is asked for, since nothing is pinned.
+//
+// The order of the list is that of loading, so it is not searched: the pages of each residue are chained as well.
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include "hsys/Require.h"
+#include "vmem/PageLayout.h"
+
+namespace {
+
+bool Require(const TChar* proc, bool holds, const TChar* message) {
+  return hsys::Require(TSTR("VMem"), proc, holds, message);
+}
+
+}  // namespace
+
+void VMem::FlushCache() {
+  if (!OnOwnerThread()) return;
+  for (CacheDesc* p = cacheHead; p != nullptr; p = p->next) FlushCachePtr(p);
+  CheckInvariants();
+}
+
+void VMem::ReleaseCache() {
+  if (!OnOwnerThread()) return;
+  ShrinkCache(0);
+  CheckInvariants();
+}
+
+CacheDesc* VMem::FindUnhashedPage(std::int32_t addr) {
+  const std::int32_t index = vmem::HashIndex(addr, kHashSize);
+  CacheDesc* p = residueHead[index];
+  while (p != nullptr && p->addr != addr) p = p->sibling;
+  if (p == nullptr) {
+    p = LoadPage(addr);
+  } else if (p != cacheHead) {
+    Unlink(p);
+    LinkHead(p);
+  }
+  if (p != nullptr) hashTable[index] = p;
+  return p;
+}
+
+/// Brings a page that is not cached to the head of the list.
+CacheDesc* VMem::LoadPage(std::int32_t addr) {
+  // Outside the list a descriptor is held by this alone: a halt while the page is read loses no memory.
+  struct Unlinked {
+    ~Unlinked() {
+      if (p != spare) delete p;
+    }
+    CacheDesc* p;
+    const CacheDesc* spare;
+  } unlinked{TakeDescriptor(), spareDesc};
+  CacheDesc* p = unlinked.p;
+  if (p == nullptr || !FillPage(p, addr)) return nullptr;
+  LinkHead(p);
+  unlinked.p = nullptr;
+  return p;
+}
+
+/// A descriptor that is in no list: the spare one for an empty cache, the victim of a full one, else a new one.
+CacheDesc* VMem::TakeDescriptor() {
+  if (cacheHead == nullptr && spareDesc != nullptr) return spareDesc;
+  if (cacheHead == nullptr || cacheCount < cacheLimit) {
+    CacheDesc* p = nullptr;
+    NewCachePtr(p);
+    return p;
+  }
+  CacheDesc* victim = cacheTail;
+  FlushCachePtr(victim);
+  if (victim->dirty) return nullptr;
+  UnHashCachePtr(victim);
+  Unlink(victim);
+  return victim;
+}
+
+bool VMem::FillPage(CacheDesc* p, std::int32_t addr) {
+  p->addr = addr;
+  p->dirty = false;
+  if (addr < fileLen) return ReadFromSwapFile(addr, p->data);
+  std::memset(p->data, 0, sizeof p->data);
+  return true;
+}
+
+void VMem::LinkHead(CacheDesc* p) {
+  p->prev = nullptr;
+  p->next = cacheHead;
+  (cacheHead != nullptr ? cacheHead->prev : cacheTail) = p;
+  cacheHead = p;
+  ++cacheCount;
+  CacheDesc*& head = residueHead[vmem::HashIndex(p->addr, kHashSize)];
+  p->sibling = head;
+  head = p;
+}
+
+void VMem::Unlink(CacheDesc* p) {
+  (p->prev != nullptr ? p->prev->next : cacheHead) = p->next;
+  (p->next != nullptr ? p->next->prev : cacheTail) = p->prev;
+  --cacheCount;
+  CacheDesc** link = &residueHead[vmem::HashIndex(p->addr, kHashSize)];
+  while (*link != p) link = &(*link)->sibling;
+  *link = p->sibling;
+}
+
+void VMem::NewCachePtr(CacheDesc*& p) {
+  p = new (std::nothrow) CacheDesc;
+  Require(TSTR("NewCachePtr"), p != nullptr, TSTR("p==NIL"));
+}
+
+void VMem::DisposeCachePtr(CacheDesc*& p) {
+  if (!Require(TSTR("DisposeCachePtr"), p != nullptr, TSTR("p==NIL"))) return;
+  UnHashCachePtr(p);
+  delete p;
+  p = nullptr;
+}
+
+void VMem::UnHashCachePtr(CacheDesc* p) {
+  if (p == nullptr) return;
+  CacheDesc*& entry = hashTable[vmem::HashIndex(p->addr, kHashSize)];
+  if (entry == p) entry = nullptr;
+}
+
+/// Takes pages from the head of the list until `count` are left. A page that could not be written stays.
+void VMem::ShrinkCache(std::int16_t count) {
+  while (cacheCount > count) {
+    CacheDesc* p = cacheHead;
+    FlushCachePtr(p);
+    if (p->dirty) return;
+    UnHashCachePtr(p);
+    Unlink(p);
+    if (p != spareDesc) DisposeCachePtr(p);
+  }
+}
+
+/// Frees all pages, unwritten, and the spare descriptor.
+void VMem::DropCache() {
+  std::fill(std::begin(hashTable), std::end(hashTable), nullptr);
+  std::fill(std::begin(residueHead), std::end(residueHead), nullptr);
+  for (CacheDesc* p = cacheHead; p != nullptr;) {
+    CacheDesc* next = p->next;
+    if (p != spareDesc) DisposeCachePtr(p);
+    p = next;
+  }
+  cacheHead = cacheTail = nullptr;
+  cacheCount = 0;
+  if (spareDesc != nullptr) DisposeCachePtr(spareDesc);
+}

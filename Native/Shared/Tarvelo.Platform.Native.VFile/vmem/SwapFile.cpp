@@ -1,0 +1,126 @@
+// The swap file: a flat image of the address space, the page at address A at byte A. No header, no holes; its length only
+// grows. It has no name any more by the time it is written, so no end of the process leaves it behind.
+
+#include "vmem/SwapFile.h"
+
+#include <algorithm>
+#include <limits>
+#include <string>
+
+#include "host/Host.h"
+#include "hsys/CopyUnits.h"
+#include "hsys/Require.h"
+#include "hsys/Strings.h"
+#include "hsys/TempDirectory.h"
+#include "vmem/PageLayout.h"
+
+namespace {
+
+constexpr std::uint32_t kNumbers = 100000;
+constexpr std::int64_t kLongestFile = std::numeric_limits<std::int32_t>::max();
+
+bool Require(const TChar* proc, bool holds, const TChar* message) {
+  return hsys::Require(TSTR("VMem"), proc, holds, message);
+}
+
+/// Adds "~vmem<number>.tmp" to the directory in `name`; false if it does not fit.
+bool AppendFileName(TChar (&name)[hsys::kNameSize], std::uint32_t number) {
+  TChar digits[12];
+  TChar* first = std::end(digits);
+  *--first = 0;
+  do *--first = static_cast<TChar>('0' + number % 10);
+  while ((number /= 10) != 0);
+  AppendStr(name, hsys::kNameSize, TSTR("~vmem"));
+  AppendStr(name, hsys::kNameSize, first);
+  AppendStr(name, hsys::kNameSize, TSTR(".tmp"));
+  return std::char_traits<TChar>::length(name) + 1 < hsys::kNameSize;
+}
+
+/// The directory with its separator.
+void ChooseDirectory(TChar (&name)[hsys::kNameSize], const TChar* dir) {
+  if (hsys::IsUsableDirectory(dir)) {
+    AssignStr(name, hsys::kNameSize, dir);
+  } else {
+    hsys::FindTempDirectory(name);
+  }
+  const std::size_t length = std::char_traits<TChar>::length(name);
+  const bool separated = length == 0 || name[length - 1] == '\\' || name[length - 1] == '/';
+  if (!separated) AppendStr(name, hsys::kNameSize, TSTR("\\"));
+}
+
+}  // namespace
+
+HANDLE vmem::CreateSwapFile(TChar* name, std::uint32_t capacity, const TChar* dir) {
+  const bool valid = hsys::Require(TSTR("VMem"), name != nullptr) && hsys::Require(TSTR("VMem"), capacity > 0);
+  if (!valid) return INVALID_HANDLE_VALUE;
+  TChar directory[hsys::kNameSize];
+  ChooseDirectory(directory, dir);
+  const std::uint32_t start = host::GetTickCount() % kNumbers;
+  for (std::uint32_t i = 0; i < kNumbers; ++i) {
+    TChar full[hsys::kNameSize];
+    AssignStr(full, hsys::kNameSize, directory);
+    if (!AppendFileName(full, (start + i) % kNumbers)) continue;
+    const HANDLE file = host::CreateFileW(
+        full, host::GENERIC_READ | host::GENERIC_WRITE, 0, host::CREATE_ALWAYS,
+        host::FILE_ATTRIBUTE_NORMAL | host::FILE_FLAG_RANDOM_ACCESS | host::FILE_FLAG_DELETE_ON_CLOSE);
+    if (file == INVALID_HANDLE_VALUE) continue;
+    AssignStr(name, capacity, full);
+    return file;
+  }
+  return INVALID_HANDLE_VALUE;
+}
+
+/// Writes the page if it is dirty. It stays dirty behind a halt that returned.
+void VMem::FlushCachePtr(CacheDesc* p) {
+  static constexpr const TChar* kProc = TSTR("FlushCachePtr");
+  if (!p->dirty) return;
+  if (swapFile == INVALID_HANDLE_VALUE) {
+    TChar name[hsys::kNameSize];
+    swapFile = vmem::CreateSwapFile(name, hsys::kNameSize, tempDir);
+    if (!Require(kProc, swapFile != INVALID_HANDLE_VALUE, TSTR("swap file creation failed"))) return;
+    swapFileName = hsys::CopyUnits(name);
+  }
+  if (!ExtendFile(p->addr)) return;
+  if (!WriteToSwapFile(p->addr, p->data, kPageSize, kProc)) return;
+  // The end of the last page of all is no 32-bit number; it counts as the largest.
+  const std::int64_t end = std::int64_t{p->addr} + kPageSize;
+  fileLen = static_cast<std::int32_t>(std::min(std::max<std::int64_t>(fileLen, end), kLongestFile));
+  p->dirty = false;
+}
+
+/// Makes the file `newLen` bytes long, with zeros: no page of it is ever unwritten.
+bool VMem::ExtendFile(std::int32_t newLen) {
+  static constexpr unsigned char kZeros[kPageSize] = {};
+  while (fileLen < newLen) {
+    const std::int32_t count = std::min(newLen - fileLen, kPageSize);
+    if (!WriteToSwapFile(fileLen, kZeros, count, TSTR("ExtendFile"))) return false;
+    fileLen += count;
+  }
+  return true;
+}
+
+bool VMem::WriteToSwapFile(std::int32_t addr, const unsigned char* data, std::int32_t count, const TChar* proc) {
+  const bool sought = host::SetFilePointer(swapFile, addr, host::FILE_BEGIN) != host::INVALID_SET_FILE_POINTER;
+  if (!Require(proc, sought, TSTR("seeking in swap file failed"))) return false;
+  std::uint32_t done = 0;
+  const auto wanted = static_cast<std::uint32_t>(count);
+  const bool written = host::WriteFile(swapFile, data, wanted, &done) && done == wanted;
+  return Require(proc, written, TSTR("writing on swap file failed (disk full?)"));
+}
+
+bool VMem::ReadFromSwapFile(std::int32_t addr, unsigned char* data) {
+  static constexpr const TChar* kProc = TSTR("FindPage");
+  const bool sought = host::SetFilePointer(swapFile, addr, host::FILE_BEGIN) != host::INVALID_SET_FILE_POINTER;
+  if (!Require(kProc, sought, TSTR("seeking in swap file failed"))) return false;
+  std::uint32_t done = 0;
+  const bool read = host::ReadFile(swapFile, data, kPageSize, &done) && done == kPageSize;
+  return Require(kProc, read, TSTR("reading from swap file failed"));
+}
+
+void VMem::CloseSwapFile() {
+  if (swapFile != INVALID_HANDLE_VALUE) host::CloseHandle(swapFile);
+  swapFile = INVALID_HANDLE_VALUE;
+  delete[] swapFileName;
+  swapFileName = nullptr;
+  fileLen = 0;
+}
