@@ -1,0 +1,101 @@
+#include "hfile/HFile.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include "support/Files.h"
+#include "support/Process.h"
+
+namespace {
+
+struct HFiles : support::InDirectory {
+  const TString name = Name("file");
+  HFile file;
+  char buffer[16];
+
+  /// `Lookup`, `Create` and `CreateSeqWrite`, each without and with its flag; then `Open` and `OpenSeqRead`.
+  bool Open(HFile& f, int way) const {
+    constexpr bool (HFile::*kFlagged[])(const TChar*, bool) = {&HFile::Lookup, &HFile::Create, &HFile::CreateSeqWrite};
+    if (way < 6) return (f.*kFlagged[way / 2])(name.c_str(), way % 2 != 0);
+    return way == 6 ? f.Open(name.c_str()) : f.OpenSeqRead(name.c_str());
+  }
+  void OpenTen(int way) {
+    Put("file", "0123456789");
+    EXPECT_TRUE(Open(file, way));
+  }
+};
+
+TEST_F(HFiles, OpenOperationsKnowWhatExistsAndShareOnlyReading) {
+  constexpr std::int32_t kOnMissing[] = {14, 0, 0, 0, 0, 0, 14, 14}, kOnExisting[] = {0, 0, 6, 0, 6, 0, 0, 0};
+  for (int i = 0; i < 16; ++i) {
+    const int way = i / 2;
+    std::filesystem::remove(name);
+    if (i % 2 != 0) Put("file", "abc");
+    file.res = resDiskFull;
+    const bool opened = Open(file, way);
+    EXPECT_EQ(file.res, i % 2 != 0 ? kOnExisting[way] : kOnMissing[way]) << way;
+    EXPECT_TRUE(opened == file.IsOpen() && opened == (file.res == resDone));
+    EXPECT_EQ(file.Length(), opened && i % 2 != 0 && way != 3 && way != 5 ? 3 : 0) << way;
+    for (int second = 0; opened && second < 8; ++second) {
+      HFile other;
+      EXPECT_EQ(Open(other, second), way == 7 && second == 7) << way << second;
+      EXPECT_EQ(other.res, way == 7 && second == 7 ? 0 : second == 2 || second == 4 ? 6 : 17) << way << second;
+      EXPECT_FALSE(Open(file, second));
+      EXPECT_TRUE(file.res == resCallError && file.IsOpen());
+    }
+    if (opened) file.Close();
+  }
+}
+
+TEST_F(HFiles, ReadingTellsTheEndAndFailuresStand) {
+  OpenTen(6);
+  file.SetPos(-4, 2);
+  EXPECT_TRUE(file.ReadBytes(buffer, 4) == 4 && !file.eof && file.ReadBytes(buffer, 1) == 0 && file.eof);
+  file.SetPos(INT32_MAX);
+  EXPECT_TRUE(!file.eof && file.GetPos() == 10 && file.res == resDone);
+  file.SetPos(-6, 1);
+  EXPECT_TRUE(file.ReadBytes(buffer, 10) == 6 && std::string(buffer, 6) == "456789" && file.eof);
+  file.WriteBytes(nullptr, 1);
+  file.WriteBytes("x", 1);
+  file.Write('x', 1);
+  EXPECT_TRUE(file.ReadBytes(buffer, 1) == 0 && file.res == resCallError && file.eof && file.Length() == 10);
+  file.SetPos(5);
+  file.Truncate();
+  EXPECT_TRUE(file.res == resDone && !file.eof && file.Length() == 5 && file.GetPos() == 5);
+  file.SetPos(-6, 2);
+  EXPECT_TRUE(file.res == resCallError && file.GetPos() == 5);
+  file.Close();
+  file.Close();
+  EXPECT_EQ(file.res, resCallError);
+  OpenTen(7);
+  file.WriteBytes("x", 1);
+  EXPECT_EQ(file.res, resNoPermission);
+}
+
+TEST_F(HFiles, FullDisksAreDiskFullAndKeepWhatWentIn) {
+  support::InChild([this] {
+    const rlimit limit = {2000, 2000};
+    EXPECT_TRUE(signal(SIGXFSZ, SIG_IGN) != SIG_ERR && setrlimit(RLIMIT_FSIZE, &limit) == 0 && Open(file, 2));
+    file.Write('x', 2500);
+    EXPECT_TRUE(file.res == resDiskFull && file.Length() == 2000);
+  });
+}
+
+TEST_F(HFiles, AdoptedHandleIsOwnedAndMayBeDescriptor0) {
+  support::InChild([this] {
+    int ends[2];
+    ASSERT_TRUE(pipe(ends) == 0 && dup2(ends[1], 0) == 0 && close(ends[1]) == 0);
+    {
+      HFile adopted(host::HandleFromDescriptor(0));
+      for (const std::int32_t count : {0, -1, 2500}) adopted.Write('x', count);
+      EXPECT_TRUE(adopted.IsOpen() && adopted.GetPos() == 0 && adopted.Length() == 0 && adopted.res == resDone);
+    }
+    char written[4096];
+    EXPECT_TRUE(read(ends[0], written, sizeof written) == 2500 && read(ends[0], written, 1) == 0);
+    EXPECT_TRUE(Open(file, 2) && fcntl(0, F_GETFD) == FD_CLOEXEC && file.IsOpen());
+  });
+}
+
+}  // namespace

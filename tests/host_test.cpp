@@ -1,0 +1,119 @@
+#include "host/Host.h"
+
+#include <sys/stat.h>
+
+#include "host/posix/PosixNames.h"
+#include "support/Files.h"
+#include "support/Process.h"
+
+namespace {
+
+using namespace host;
+
+constexpr std::uint32_t kReadWrite = GENERIC_READ | GENERIC_WRITE;
+std::uint32_t done;
+
+std::uint32_t ErrorOf(bool succeeded) { return succeeded ? 0 : GetLastError(); }
+
+struct HostFiles : support::InDirectory {
+  HANDLE Opened(const char* name, std::uint32_t access, std::uint32_t share, std::uint32_t how = OPEN_ALWAYS) const {
+    return CreateFileW(Name(name).c_str(), access, share, how, FILE_ATTRIBUTE_NORMAL);
+  }
+  /// The last error of an open.
+  std::uint32_t Open(const std::string& name, std::uint32_t access, std::uint32_t share, std::uint32_t how) const {
+    const HANDLE file = Opened(name.c_str(), access, share, how);
+    const std::uint32_t error = GetLastError();
+    EXPECT_EQ(file != INVALID_HANDLE_VALUE, error == 0 || error == 183) << name;
+    if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
+    return error;
+  }
+};
+
+TEST_F(HostFiles, OpenByNameAndDisposition) {
+  Put("locked", "abc");
+  chmod(Path("locked").c_str(), 0444);
+  std::filesystem::create_directory(Path("sub"));
+  std::filesystem::create_symlink("loop", Path("loop"));
+  const struct {
+    std::string name;
+    std::uint32_t errors[4];
+  } rows[] = {{"file", {80, 183, 0, 183}},      {"new", {0, 0, 2, 0}},
+              {"file/x", {3, 3, 3, 3}},         {"sub/", {80, 5, 5, 5}},
+              {"locked", {80, 5, 5, 5}},        {"new\\", {123, 123, 123, 123}},
+              {"loop", {80, 1921, 1921, 1921}}, {std::string(256, 'n'), {206, 206, 206, 206}}};
+  for (const auto& [name, errors] : rows) {
+    for (std::uint32_t how = CREATE_NEW; how <= OPEN_ALWAYS; ++how) {
+      Put("file", "abc");
+      std::filesystem::remove(Path("new"));
+      EXPECT_EQ(Open(name, kReadWrite, 0, how), errors[how - 1]) << name << how;
+      EXPECT_EQ(Content("file") + Content("locked"), name == "file" && how == CREATE_ALWAYS ? "abc" : "abcabc");
+    }
+  }
+  EXPECT_TRUE(Open("locked", GENERIC_READ, 0, OPEN_EXISTING) == 0 &&
+              Open("locked", GENERIC_READ, 0, CREATE_ALWAYS) == 5);
+  EXPECT_TRUE(GetFileAttributesW(Name("locked").c_str()) == 0x21 && _waccess(Name("locked").c_str(), 2) == -1);
+  EXPECT_TRUE(GetFileAttributesW(Name("sub").c_str()) == 0x10 && _waccess(Name("sub").c_str(), 2) == 0);
+  EXPECT_EQ(ErrorOf(CreateFileW(TSTR(""), GENERIC_READ, 0, OPEN_ALWAYS, 0) != INVALID_HANDLE_VALUE), 3u);
+}
+
+TEST_F(HostFiles, SharingHoldsBetweenProcessesAndARefusedOpenLeavesTheFile) {
+  for (std::uint32_t i = 0; i < 16; ++i) {
+    const std::uint32_t first = i / 4, second = i % 4;
+    Put("file", "abc");
+    {
+      const support::StoppedChild holder([&] { return Opened("file", GENERIC_READ, first) != INVALID_HANDLE_VALUE; });
+      EXPECT_EQ(Open("file", GENERIC_READ, second, OPEN_EXISTING), (first & second & FILE_SHARE_READ) != 0 ? 0u : 32u);
+      EXPECT_TRUE(Open("file", kReadWrite, 0, CREATE_ALWAYS) == 32 && Open("file", kReadWrite, 0, CREATE_NEW) == 80);
+    }
+    EXPECT_TRUE(Open("file", GENERIC_READ, second, OPEN_EXISTING) == 0 && Content("file") == "abc");
+  }
+}
+
+TEST_F(HostFiles, DeleteOnCloseLeavesNothingEvenWhenKilled) {
+  Put("taken", "abc");
+  std::filesystem::create_symlink("swap", Path("link"));
+  const auto create = [this](const char* name) {
+    return CreateFileW(Name(name).c_str(), kReadWrite, 0, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE);
+  };
+  for (const char* name : {"taken", "link"}) EXPECT_EQ(ErrorOf(create(name) != INVALID_HANDLE_VALUE), 80u);
+  {
+    const support::StoppedChild killed([&] {
+      struct stat status = {};
+      const HANDLE file = create("swap");
+      return fstat(DescriptorFromHandle(file), &status) == 0 && (status.st_mode & 07777) == 0600 &&
+             WriteFile(file, "xyz", 3, &done);
+    });
+  }
+  EXPECT_TRUE(!std::filesystem::exists(Path("swap")) && Content("taken") == "abc");
+}
+
+TEST_F(HostFiles, HandlesHaveTheirModeAndRights) {
+  const mode_t old = umask(027);
+  const HANDLE writer = Opened("new", GENERIC_WRITE, 0);
+  umask(old);
+  struct stat status;
+  char byte;
+  EXPECT_TRUE(fstat(DescriptorFromHandle(writer), &status) == 0 && (status.st_mode & 07777) == 0640);
+  EXPECT_EQ(ErrorOf(ReadFile(writer, &byte, 1, &done)), 5u);
+  EXPECT_EQ(ErrorOf(ReadFile(INVALID_HANDLE_VALUE, &byte, 1, &done)), 6u);
+  EXPECT_EQ(ErrorOf(SetFilePointer(writer, -1, FILE_CURRENT) != INVALID_SET_FILE_POINTER), 131u);
+  EXPECT_TRUE(CloseHandle(writer));
+}
+
+TEST_F(HostFiles, NamesReachEveryFileAndBadUnitsNone) {
+  const TString name = support::Units(Directory()) + TString({'\\', 0xE4, 0xD83D, 0xDE00, 0xDCFF, 0xDC80});
+  CloseHandle(CreateFileW(name.c_str(), kReadWrite, 0, CREATE_NEW, 0));
+  EXPECT_TRUE(std::filesystem::exists(Directory() / "\xC3\xA4\xF0\x9F\x98\x80\xFF\x80"));
+  for (const TString& bad : {TString({0xD800, 'x'}), TString({0xDC7F}), TString({0xDD00})})
+    EXPECT_EQ(ErrorOf(CreateFileW(bad.c_str(), kReadWrite, 0, CREATE_NEW, 0) != INVALID_HANDLE_VALUE), 123u);
+  // Where the forms of UTF-8 begin and end: what is none comes back byte for byte as well.
+  TChar units[8] = {};
+  const std::string edges = "A\x80\x8F\x90\x9F\xA0\xBF\xC1\xC2\xDF\xE0\xE1\xED\xEF\xF0\xF1\xF4\xF5";
+  for (std::size_t i = 0, n = edges.size(); i < n * n * n * n; ++i) {
+    const std::string bytes = {edges[i % n], edges[i / n % n], edges[i / n / n % n], edges[i / n / n / n]};
+    units[posix::UnitsFromNative(units, 8, bytes.data(), 4)] = 0;
+    ASSERT_EQ(posix::NativeName(units).Text(), bytes);
+  }
+}
+
+}  // namespace

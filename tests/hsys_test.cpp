@@ -1,0 +1,115 @@
+#include "hsys/HSys.h"
+
+#include <cmath>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <map>
+
+#include "hfile/HFile.h"
+#include "host/Host.h"
+#include "support/Halts.h"
+
+namespace {
+
+using support::Narrow;
+using support::NoteHalts;
+
+TEST(HaltDeathTest, HasItsTextAndTheDefaultShowsItAndAborts) {
+  EXPECT_HALT("VMem: text", Halt(TSTR("VMem"), TSTR("text")));
+  EXPECT_HALT("VMem, Alloc():\ntext", Halt(TSTR("VMem"), TSTR("Alloc"), TSTR("text")));
+  EXPECT_HALT("HSys, line 17:\nAssertion failure", HaltA(TSTR("HSys"), 17));
+  EXPECT_HALT("HFile, Close(), line -2147483648:\nAssertion failure", HaltA(TSTR("HFile"), TSTR("Close"), INT32_MIN));
+  EXPECT_HALT("Fatal Error -3 in module HSys ", Fatal(TSTR("HSys"), -3));
+  EXPECT_HALT("M: " + std::string(252, 'x'), Halt(TSTR("M"), TString(300, 'x').c_str()));
+  static const TChar text[] = {'a', 0xE4, 0x20AC, 0xD83D, 0xDE00, 0xD800, 0};
+  InstallHaltProc([](const TChar*) { FAIL() << "replaced"; });
+  InstallHaltProc([](const TChar* message) { EXPECT_EQ(message, text); });
+  Halt(text);
+  for (int times = 0; times < 2; ++times) {
+    DeinstallHaltProc();
+    EXPECT_EXIT(Halt(text), testing::KilledBySignal(SIGABRT),
+                testing::Eq("Program halted\na\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80\xEF\xBF\xBD\n"));
+  }
+}
+
+/// `copy` behind a string of `held` units, or in its place, in every relation of room and lengths; lastly from null.
+template <typename Char>
+void Check(void (*copy)(Char*, std::uint32_t, const Char*), bool appends) {
+  using Text = std::basic_string<Char>;
+  const NoteHalts returning;
+  for (std::uint32_t i = 0; i < 6 * 4 * 6; ++i) {
+    const std::uint32_t size = i % 6, held = i / 6 % 4, kept = appends ? held : 0;
+    const Text source(i / 24 % 5, 'b'), whole = Text(kept, 'a') + source;
+    Text dest = Text(held, 'a') + Char{0} + Text(7, '#'), expected = dest;
+    if (kept < size)
+      expected.replace(0, std::min<std::size_t>(size, whole.size() + 1), whole.substr(0, size - 1) + Char{0});
+    NoteHalts::Noted().clear();
+    copy(dest.data(), size, i / 24 < 5 ? source.c_str() : nullptr);
+    EXPECT_TRUE(dest == expected && NoteHalts::Noted().size() == (kept >= size ? 1u : 0u)) << i;
+    copy(nullptr, 0, source.c_str());
+  }
+}
+
+TEST(Strings, BoundedCopiesCutAndTerminate) {
+  for (const auto copy : {AssignStr, AssignStrW, CondAssignStr}) Check(copy, false);
+  for (const auto copy : {AppendStr, AppendStrW, CondAppendStr}) Check(copy, true);
+  Check(AssignStrA, false);
+  Check(AppendStrA, true);
+  for (const auto copy : {AssignStr, AppendStr}) EXPECT_ASSERTION("HSys", copy(nullptr, 4, TSTR("a")));
+  for (const auto copy : {CondAssignStr, CondAppendStr}) EXPECT_HALT("", copy(nullptr, 0, TSTR("a")));
+}
+
+TEST(Strings, TrimmingBlanksAndComparison) {
+  const auto changed = [](void (*change)(TChar*), const std::string& text) {
+    TString units(text.begin(), text.end());
+    change(nullptr);
+    change(units.data());
+    return Narrow(units.c_str());
+  };
+  for (const std::string text : {"", "a b", "\va\xA0"}) {
+    EXPECT_EQ(changed(Trim, " \t" + text + "\r\n\f"), text);
+    EXPECT_EQ(changed(TrimLeft, " \t" + text + "\r"), text.empty() ? "" : text + "\r");
+    EXPECT_EQ(changed(TrimRight, " \t" + text + "\r"), text.empty() ? "" : " \t" + text);
+  }
+  const char* numbers[] = {"1.500", "1.000", "100", "100.", "0.0", ".", ".000", "", "-1.50", "1.0050"};
+  const char* trimmed[] = {"1.5", "1", "100", "100", "0", "0", "0", "0", "-1.5", "1.005"};
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(changed(TrimZeroes, numbers[i]), trimmed[i]);
+  for (int unit = 0; unit <= 0xFFFF; ++unit)
+    EXPECT_EQ(IsBlank(static_cast<TChar>(unit)), unit == 9 || unit == 10 || unit == 12 || unit == 13 || unit == 32);
+  EXPECT_TRUE(EqualStrI(TSTR("Abc"), TSTR("aBC")) && !EqualStrI(TSTR("@"), TSTR("`")));
+}
+
+TEST(Results, OfHostErrorsAndTheirTexts) {
+  std::map<std::uint32_t, std::int32_t> known = {
+      {0, 0},    {1, 2},    {2, 14},   {3, 9},   {4, 20},  {5, 17},   {6, 2},    {8, 5},   {12, 17},
+      {14, 5},   {15, 8},   {19, 4},   {20, 8},  {23, 22}, {32, 17},  {33, 17},  {36, 20}, {39, 15},
+      {50, 18},  {51, 21},  {52, 10},  {53, 13}, {54, 24}, {55, 21},  {65, 17},  {80, 6},  {87, 2},
+      {112, 15}, {120, 19}, {123, 10}, {161, 9}, {183, 6}, {267, 13}, {1006, 11}};
+  for (std::uint32_t error = 0; error <= 0xFFFF; ++error) {
+    host::SetLastError(0x80070000 | error);
+    EXPECT_EQ(GetFileRes(), known.contains(error) ? known[error] : resNotDone) << error;
+  }
+  TChar text[32];
+  GetTextResMsg(text, 11, 5);
+  EXPECT_EQ(Narrow(text), "not enough");
+  HFile::GetResMsg(text, 32, 5);
+  EXPECT_EQ(Narrow(text), "heap overflow");
+  for (const std::int32_t code : {-1, 25}) {
+    HFile::GetResMsg(text, 32, code);
+    EXPECT_EQ(Narrow(text), "unknown error code");
+  }
+}
+
+TEST(Numbers, AreHeldToTheirRange) {
+  EXPECT_TRUE(Short(65535) == -1 && Short(40000) == -25536 && Short(-65536) == 0 && ShortC(65535) == 65535);
+  EXPECT_HALT("Fatal Error 1 in module HSys ", Short(65536));
+  EXPECT_HALT("Fatal Error 2 in module HSys ", Short(-65537));
+  for (const std::int32_t value : {65536, -1}) EXPECT_HALT("Fatal Error 3 in module HSys ", ShortC(value));
+  const NoteHalts returning;
+  EXPECT_TRUE(Short(65537) == 1 && ShortC(-2) == 65534 && LongFloat(INT32_MIN) == -2147483648.0);
+  const double reals[] = {9999.9, 10000, -0.5, -10000.9, 2147483646.9, 2147483647.5, 1e300, -2147483647.9, -1e300, NAN};
+  const std::int32_t whole[] = {9999, 10000, 0, -10000, 2147483646, INT32_MAX, INT32_MAX, -INT32_MAX, -INT32_MAX, 0};
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(LongTrunc(reals[i]), whole[i]);
+}
+
+}  // namespace

@@ -1,0 +1,46 @@
+/// @file
+/// Files on the disk for tests, in a directory that goes with the fixture.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <string>
+
+#include "host/Unit.h"
+
+namespace support {
+
+inline TString Units(const std::filesystem::path& path) {
+  const std::u16string text = path.u16string();
+  return TString(text.begin(), text.end());
+}
+
+/// A fixture with a scratch directory of its own.
+class InDirectory : public testing::Test {
+ protected:
+  InDirectory() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "vfile-test-XXXXXX").string();
+    directory_ = mkdtemp(pattern.data());
+  }
+  ~InDirectory() override { std::filesystem::remove_all(directory_); }
+
+  std::filesystem::path Path(const std::string& name) const { return directory_ / name; }
+  /// The name of a file in the directory, as the library takes it.
+  TString Name(const std::string& name) const { return Units(Path(name)); }
+
+  void Put(const std::string& name, const std::string& content) const {
+    std::ofstream(Path(name), std::ios::binary) << content;
+  }
+  std::string Content(const std::string& name) const {
+    std::ifstream file(Path(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  const std::filesystem::path& Directory() const { return directory_; }
+
+ private:
+  std::filesystem::path directory_;
+};
+
+}  // namespace support

@@ -1,0 +1,20 @@
+/// @file
+/// A heap that fails where a test wants it: the nothrow `operator new` of the test program.
+#pragma once
+
+namespace support {
+
+/// While it lives, the calling thread's nothrow allocation number `failing`, counted from 1, and all behind it fail.
+class FailingHeap {
+ public:
+  explicit FailingHeap(int failing);
+  ~FailingHeap();
+
+  FailingHeap(const FailingHeap&) = delete;
+  FailingHeap& operator=(const FailingHeap&) = delete;
+
+  /// Whether an allocation has failed.
+  static bool HasFailed();
+};
+
+}  // namespace support

@@ -1,0 +1,121 @@
+#include "threads/Threads.h"
+
+#include <csignal>
+#include <functional>
+#include <thread>
+
+#include "support/Files.h"
+#include "support/Halts.h"
+#include "support/Process.h"
+#include "threads/ThreadSlots.h"
+#include "vfile/ThreadValues.h"
+#include "vfile/VFile.h"
+
+namespace {
+
+using namespace threads;
+using support::NoteHalts;
+
+const bool attachedBeforeStatics = VFile_IsThreadInitialized();
+
+void OnThread(const std::function<void()>& steps) { std::thread(steps).join(); }
+
+/// In a child, with the module freshly started and without the slots of the virtual files.
+void WithFreshModule(const std::function<void()>& steps) {
+  support::InChild([&] {
+    EXPECT_TRUE(DllMain(nullptr, 0, nullptr) == 1 && TlsModuleStart() && !TlsModuleStart());
+    steps();
+  });
+}
+
+std::int32_t LastOf(int count) {
+  while (--count > 0) TlsSlotAlloc();
+  return TlsSlotAlloc();
+}
+
+TEST(ThreadSlots, NumbersGoUpAndGapsAreUsedWhenAllWereHandedOut) {
+  WithFreshModule([] {
+    EXPECT_EQ(LastOf(5), 4);
+    EXPECT_TRUE(TlsSlotFree(0) && TlsSlotFree(1) && TlsSlotFree(2) && TlsSlotFree(3) && LastOf(1) == 5);
+    EXPECT_TRUE(TlsSlotFree(5) && TlsSlotFree(4) && LastOf(3) == 2);
+    EXPECT_TRUE(TlsSlotFree(1) && TlsSlotFree(2) && LastOf(1) == 2 && LastOf(61) == 63 && LastOf(1) == 1);
+    EXPECT_TRUE(TlsSlotFree(7) && TlsSlotFree(3) && !TlsSlotFree(64) && !TlsSlotFree(-1));
+    EXPECT_TRUE(LastOf(1) == 3 && LastOf(1) == 7 && LastOf(1) == kNoSlot);
+  });
+}
+
+TEST(ThreadValues, OrderOfProcessStepsIsAsserted) {
+  EXPECT_TRUE(attachedBeforeStatics);
+  WithFreshModule([] {
+    for (const auto call : {VFile::TLS_InitializeThread, VFile::TLS_UninitializeThread, VFile::TLS_UninitializeProcess})
+      EXPECT_ASSERTION("VFile", call());
+    EXPECT_TRUE(TlsModuleStop() && !TlsTableCreate() && LastOf(1) == kNoSlot && DllMain(nullptr, 1, nullptr) == 1);
+    EXPECT_ASSERTION("VFile", VFile::TLS_InitializeProcess());
+  });
+}
+
+TEST(ThreadValues, LiveFromInitializeToUninitialize) {
+  OnThread([] {
+    EXPECT_TRUE(VFile_InitializeThread() && VFile_IsThreadInitialized() && VFile::GetTempDir() == nullptr);
+    VFile::SetTempDir(TString(TSTR("/one")).c_str());
+    {
+      VFile first, second;
+      EXPECT_TRUE(VFile_InitializeThread() && vfile::GetOpenFileCount() == 2);
+    }
+    EXPECT_TRUE(vfile::GetOpenFileCount() == 0 && !vfile::GetThreadVMem() && !vfile::GetThreadBlkPool());
+    EXPECT_EQ(VFile::GetTempDir(), TString(TSTR("/one")));
+    VFile::SetTempDir(TSTR(""));
+    EXPECT_EQ(VFile::GetTempDir(), nullptr);
+    EXPECT_TRUE(VFile_UninitializeThread() && !VFile_IsThreadInitialized() && VFile_UninitializeThread());
+    EXPECT_TRUE(VFile::GetMaxCacheSize() == 0 && VFile_InitializeThread() && VFile::GetMaxCacheSize() == 70);
+  });
+}
+
+using ThreadFiles = support::InDirectory;
+
+TEST_F(ThreadFiles, ValuesComeWithTheFirstUseAndGoAfterTheThreadsOwnObjects) {
+  static pthread_key_t key;
+  ASSERT_EQ(pthread_key_create(&key, [](void* file) { delete static_cast<VFile*>(file); }), 0);
+  const NoteHalts noting;
+  OnThread([] { EXPECT_FALSE(VFile_IsThreadInitialized()); });
+  OnThread([] { EXPECT_TRUE(VFile::GetMaxCacheSize() == 70 && VFile_IsThreadInitialized()); });
+  OnThread([] {
+    thread_local VFile own("own");
+    EXPECT_TRUE(own.Length() == 3 && VFile_IsThreadInitialized() && VFile::GetMaxCacheSize() == 70);
+    VFile::SetTempDir(TSTR("/tmp"));  // a copy to be freed, which the leak checker looks for
+    pthread_setspecific(key, new VFile("of a key"));
+  });
+  EXPECT_TRUE(NoteHalts::Noted().empty() && pthread_key_delete(key) == 0);
+}
+
+TEST_F(ThreadFiles, OfManyThreadsKeepApart) {
+  std::vector<std::thread> all;
+  for (const char ch : {'a', 'b', 'c', 'd'}) {
+    all.emplace_back([this, ch] {
+      VFile::SetMaxCacheSize(2);
+      VFile::SetTempDir(support::Units(Directory()).c_str());
+      VFile letters(ch, 20000);
+      letters.Append(VFile('.', 20000), 0, MaxLen);
+      std::string content(40000, '?');
+      letters.Reset();
+      EXPECT_EQ(letters.ReadBytes(content.data(), 40000), 40000);
+      EXPECT_EQ(content, std::string(20000, ch) + std::string(20000, '.'));
+    });
+  }
+  for (std::thread& each : all) each.join();
+  EXPECT_TRUE(std::filesystem::is_empty(Directory()));
+}
+
+TEST(ForeignThreadDeathTest, Halts) {
+  const auto aborted = testing::KilledBySignal(SIGABRT);
+  VFile file("abc");
+  EXPECT_EXIT(file.SetPos(0), aborted, "VFile, line [0-9]+:\nAssertion failure");  // on the child's only thread
+  EXPECT_EXIT(OnThread([&] { file.~VFile(); }), aborted, "VFile, line");
+}
+
+TEST(ThreadEndDeathTest, WithALiveFileHalts) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";  // a forked child runs no steps at a thread's end
+  EXPECT_EXIT(OnThread([] { new VFile; }), testing::KilledBySignal(SIGABRT), "VFile, line [0-9]+:\nAssertion failure");
+}
+
+}  // namespace

@@ -1,0 +1,126 @@
+#include <gtest/gtest.h>
+
+#include "support/Chains.h"
+
+using support::Bytes, support::Chain, support::I32, support::Peek, support::Pipe, support::Size;
+
+namespace {
+
+/// Notes the primitives in place of the changes: the position, the bytes out, the source and its count.
+struct Recorder : Chain {
+  Recorder() : Chain({2, 4}, "abcdef") { SetPos(2); }
+  using VFile::operator=;
+
+  static std::string Text(I32 number) {
+    return number == SameLen ? "same" : number == MaxLen ? "max" : std::to_string(number);
+  }
+  void Note(const char* name, I32 at, I32 del, const std::string& source, I32 count) {
+    log += name + Text(at) + " " + Text(del) + " " + source + " " + Text(count) + ";";
+  }
+  void ReplaceBuf(I32 at, I32 del, const void* bytes, I32 count) override {
+    Note("Buf ", at, del, std::string(bytes != nullptr ? static_cast<const char*>(bytes) : "null", Size(count)), count);
+  }
+  void ReplaceCh(I32 at, I32 del, char ch, I32 count) override { Note("Ch ", at, del, {ch}, count); }
+  void ReplaceTxt(I32 at, I32 del, const VFile& file, I32 from, I32 count) override {
+    Note("Txt ", at, del, Text(file.Length()) + "@" + Text(from), count);
+  }
+  void ReplaceFile(I32 at, I32 del, HFile& file, I32 count) override {
+    Note("HFile ", at, del, Text(file.radix), count);
+  }
+  void ReplaceFile(I32 at, I32 del, HANDLE file, I32 count) override {
+    Note("Handle ", at, del, Text(host::DescriptorFromHandle(file)), count);
+  }
+
+  std::string log;
+};
+
+// clang-format off
+#define VERBS(suffix, ...) {DO(f.Insert##suffix(__VA_ARGS__)), DO(f.Replace##suffix(__VA_ARGS__)), \
+    DO(f.Write##suffix(__VA_ARGS__)), DO(f.Append##suffix(__VA_ARGS__)), DO(f.Prepend##suffix(__VA_ARGS__))}
+// clang-format on
+
+TEST(Editing, EachVerbOfEachSourceIsOneCallOfAPrimitive) {
+  const VFile source("012345678");
+  const HANDLE handle = host::HandleFromDescriptor(77);
+  const signed char s = 'x';
+  const unsigned char u = 'x';
+  const std::int64_t q = 0x4847464544434241;
+  const long long ll = q;
+  const auto uq = static_cast<std::uint64_t>(q);
+  HFile file;
+  // clang-format off
+  const std::tuple<std::vector<std::function<void(Recorder&)>>, std::string, std::string, std::string> rows[] = {
+      {VERBS(Byte, 0xE9), "Buf ", "1", "\xE9 1;"}, {VERBS(Bytes, "xyz", 2), "Buf ", "2", "xy 2;"},
+      {VERBS(Word, std::int16_t{0x4241}), "Buf ", "2", "AB 2;"},
+      {VERBS(Word, std::uint16_t{0x4241}), "Buf ", "2", "AB 2;"}, {VERBS(DWord, 0x44434241), "Buf ", "4", "ABCD 4;"},
+      {VERBS(DWord, 0x44434241U), "Buf ", "4", "ABCD 4;"}, {VERBS(QWord, ll), "Buf ", "8", "ABCDEFGH 8;"},
+      {VERBS(QWord, static_cast<unsigned long long>(q)), "Buf ", "8", "ABCDEFGH 8;"},
+      {VERBS(QWord, q), "Buf ", "8", "ABCDEFGH 8;"}, {VERBS(QWord, uq), "Buf ", "8", "ABCDEFGH 8;"},
+      {VERBS(, 'x', 3), "Ch ", "3", "x 3;"}, {VERBS(, s, 3), "Ch ", "3", "x 3;"}, {VERBS(, u, 3), "Ch ", "3", "x 3;"},
+      {VERBS(, "xyz"), "Buf ", "same", "xyz 3;"}, {VERBS(, source, 4, 7), "Txt ", "same", "9@4 7;"},
+      {VERBS(, file, 7), "HFile ", "same", "10 7;"}, {VERBS(FromFile, handle, 7), "Handle ", "same", "77 7;"}};
+  // clang-format on
+  for (const auto& [verbs, primitive, overwrite, passed] : rows) {
+    for (std::size_t verb = 0; verb < 10; ++verb) {
+      const std::string over = "2 " + overwrite, places[] = {"2 0", over, verb > 4 ? "2 0" : over, "6 0", "0 0"};
+      Recorder recorder;
+      recorder.SetFlag(vfInsert, verb > 4), verbs[verb % 5](recorder);
+      EXPECT_EQ(recorder.log, primitive + places[verb % 5] + " " + passed) << verb;
+    }
+  }
+  Peek other("other");
+  // clang-format off
+  const std::tuple<std::function<void(Recorder&)>, std::string, std::string> others[] = {
+      {DO(f.ReadFromFile(handle, 7)), "Handle 2 same 77 7;", "Handle 2 0 77 7;"},
+      {DO(f.ReadFromFile(file, 7)), "HFile 2 same 10 7;", "HFile 2 0 10 7;"},
+      {DO(f << 'x'), "Buf 2 1 x 1;", "Buf 2 0 x 1;"},
+      {DO(f << s << u), "Buf 2 1 x 1;Buf 2 1 x 1;", "Buf 2 0 x 1;Buf 2 0 x 1;"},
+      {DO(f << -12), "Buf 2 same -12 3;", "Buf 2 0 -12 3;"},
+      {DO(f << "" << source), "Buf 2 same  0;Txt 2 same 9@0 max;", "Buf 2 0  0;Txt 2 0 9@0 max;"},
+      {DO(f.Delete(1, 9), f.Truncate()), "Buf 1 9  0;Buf 2 max  0;", ""},
+      {DO(f = source, f = "xy"), "Txt 0 6 9@0 max;Buf 0 6 xy 2;", ""},
+      {DO(f = s, f = 'x', f = u), "Buf 0 6 x 1;Buf 0 6 x 1;Buf 0 6 x 1;", ""},
+      {DO(f += 'x', f += "xy"), "Buf 6 0 x 1;Buf 6 0 xy 2;", ""}, {DO((f += s) += u), "Buf 6 0 x 1;Buf 6 0 x 1;", ""},
+      {DO(f += source), "Txt 6 0 9@0 max;", ""}, {DO(other.SetPos(2), other >> f), "Txt 0 max 5@2 max;", ""}};
+  // clang-format on
+  for (const auto& [call, log, inserting] : others) {
+    for (const bool insert : {false, true}) {
+      Recorder recorder;
+      recorder.SetFlag(vfInsert, insert), call(recorder);
+      EXPECT_EQ(recorder.log, insert && !inserting.empty() ? inserting : log);
+    }
+  }
+}
+
+TEST(Editing, ConstructorsPutTheContentInAndStandBehindIt) {
+  HFile closed;
+  Peek source("0123456789");
+  source.SetFlags(vfInsert), source.Reset();
+  const auto show = [](const Peek& f) {
+    return Bytes(f) + (f.Eof() && f.GetFlags() == 0 ? " " : "!") + std::to_string(f.res);
+  };
+  const std::string chars =
+      show({'x', 3}) + show({static_cast<signed char>('y'), 1}) + show({static_cast<unsigned char>(0), -1});
+  EXPECT_EQ(chars + show(Peek("abc")) + show({Pipe("abcd").Handle(), 3}) + show({closed, 3}), "xxx 0y 0 2abc 0abc 0 2");
+  EXPECT_EQ(show({source, 8, 7}) + show(source) + show(Peek(source)), "89 00123456789!00123456789 0");
+}
+
+TEST(Editing, NumbersGoInAsTextOfTheBase) {
+  Peek file;
+  file << std::int16_t{-1} << std::uint16_t{65535} << INT_MIN << UINT_MAX << LONG_MIN << ULONG_MAX << LLONG_MIN;
+  file.radix = 2, file << -1LL << " " << -1, file.radix = 16, file << std::int16_t{-1} << ~0ULL, file.radix = 36,
+  file << 35;
+  const std::string longs = std::to_string(LONG_MIN) + std::to_string(ULONG_MAX), ones(32, '1');
+  EXPECT_EQ(Bytes(file), "-165535-21474836484294967295" + longs + "-9223372036854775808" + ones + ones + " " + ones +
+                             "ffffffffffffffffffffffffz");
+}
+
+TEST(Editing, TheRestMovesToAnotherFile) {
+  Peek file("abcdef"), target("old");
+  file.SetPos(1), target.SetFlags(vfReadOnly), file >> target;
+  EXPECT_TRUE(file.res == resReadOnly && file.GetPos() == 1 && Bytes(target) == "old");
+  file.SetPos(1), target.Reset(), target.SetFlags(0), file >> target;
+  EXPECT_TRUE(file.res == resDone && file.Eof() && Bytes(target) == "bcdef");
+}
+
+}  // namespace

@@ -1,0 +1,61 @@
+#include <gtest/gtest.h>
+
+#include "support/Chains.h"
+
+using support::Chain, support::I32, support::Lengths, support::Peek;
+
+namespace {
+
+TEST(Position, FollowsOffsetAndOrigin) {
+  // clang-format off
+  const std::tuple<I32, I32, I32, I32> rows[] = {
+      {0, 0, 0, resDone}, {10, 0, 10, resDone}, {MaxLen, 0, 10, resDone}, {-1, 0, 4, resCallError}, {3, 1, 7, resDone},
+      {-4, 1, 0, resDone}, {-5, 1, 4, resCallError}, {MaxLen, 1, 4, resCallError}, {-1, 2, 9, resDone},
+      {5, 2, 10, resDone}, {-11, 2, 4, resCallError}, {SameLen, 2, 4, resCallError}, {0, 3, 4, resCallError}};
+  // clang-format on
+  for (const auto& [offset, origin, pos, res] : rows) {
+    Chain file({3, 3, 4});
+    file.SetPos(4), file.eof = true, file.SetPos(offset, origin);
+    EXPECT_TRUE(file.GetPos() == pos && file.res == res && file.eof == (res != resDone))
+        << offset << " from " << origin;
+    EXPECT_TRUE(file.Bof() == (pos == 0) && file.Eof() == (pos == 10));
+  }
+}
+
+TEST(Reading, ValuesAreLittleEndianAndTheRestStays) {
+  Chain file({3, 4, 6}, "\xF1\xF2\xF3\xF4\xF5\xF6\xF7\xF8\xF9\xFA\xFB\xFC\xFD");
+  std::int64_t quad = 0, rest = 0x1111;
+  std::uint32_t dword = 0;
+  std::int16_t word = 0;
+  file.Reset(), file.ReadWord(word), file.ReadDWord(dword), file.SetPos(4), file.ReadQWord(quad), file.ReadQWord(rest);
+  EXPECT_TRUE(word == static_cast<std::int16_t>(0xF2F1) && dword == 0xF6F5F4F3 && rest == 0x11FD);
+  EXPECT_TRUE(static_cast<std::uint64_t>(quad) == 0xFCFBFAF9F8F7F6F5 && file.eof && file.res == resDone);
+}
+
+// Each text in blocks of every length: the text, the bytes that each character took, the lines cut to two characters.
+TEST(Reading, TextFoldsLineEnds) {
+  const std::tuple<std::string, std::string, std::string, std::string> rows[] = {
+      {"\r", "\n", "1", "|"},
+      {"\rx\r\r\n\n\ry", "\nx\n\n\n\ny", "1112111", "|x||||y|"},
+      {"abc\r\nde\rfg\n", "abc\nde\nfg\n", "1112111111", "ab|de|fg|"}};
+  for (const auto& [text, folded, consumed, lines] : rows) {
+    for (std::size_t n = 1; n <= text.size(); ++n) {
+      Lengths lens(text.size() / n, static_cast<int>(n));
+      if (text.size() % n > 0) lens.push_back(static_cast<int>(text.size() % n));
+      Chain file(lens, text);
+      std::string readFolded, readConsumed, readLines;
+      char ch, line[3];
+      for (file.Reset(); const I32 got = file.Read(ch); readFolded += ch) readConsumed += std::to_string(got);
+      EXPECT_TRUE(readFolded == folded && readConsumed == consumed && file.eof && ch == 0) << readConsumed;
+      for (file.Reset(); !file.Eof(); readLines += line, readLines += "|") EXPECT_LE(file.ReadLine(line, 3), 2);
+      EXPECT_EQ(readLines, lines);
+      file.SetPos(-1, 2), file.Read(ch);
+      EXPECT_FALSE(file.eof);
+      file.Reset();
+      EXPECT_TRUE(file.ReadLine(&ch, 1) == 0 && ch == 0 && !file.Bof() && file.res == resDone);
+      EXPECT_TRUE(file.ReadLine(&ch, 0) == 0 && file.res == resCallError);
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,63 @@
+#include <gtest/gtest.h>
+
+#include "support/Chains.h"
+#include "vfile/SearchText.h"
+
+using support::Bytes, support::Chain, support::I32, support::Peek;
+
+namespace {
+
+// A word found or not from a place: forward the place behind it, backward its start; and where the file then stands.
+TEST(Search, WantsWholeWordsOfAnyCase) {
+  // clang-format off
+  const std::tuple<std::string, const char*, bool, I32, bool, I32, I32> rows[] = {
+      {"cat", "cat", false, 0, true, 3, 0}, {"(cat)", "cat", false, 0, true, 4, 0},
+      {"cats cat_", "cat", false, 0, true, 8, 4}, {"concat cat1", "cat", false, 0, false, 12, 11},
+      {"xaaa", "aa", false, 0, false, 5, 4}, {"x CaT", "cAt", false, 1, true, 5, 1},
+      {"\xE9 \xC9", "\xC9", false, 0, true, 3, 1}, {"cat", "cat", true, 3, true, 0, 3},
+      {"(cat)", "cat", true, 9, true, 1, 5}, {"_cat 1cat", "cat", true, 9, true, 1, 5},
+      {"concat cat1", "cAT", true, 11, false, -1, 0}, {"aaax", "aa", true, 4, false, -1, 0},
+      {"abc", "", false, 99, true, 99, 3}, {"abc", "", true, 99, true, 99, 3}, {"abc", "abc", false, 9, false, 10, 3}};
+  // clang-format on
+  for (const auto& [text, word, back, from, found, to, pos] : rows) {
+    Chain file({2, static_cast<int>(text.size()) - 2}, text);
+    const auto search = back ? &VFile::FindBack : &VFile::Find;
+    I32 at = from, negative = -1;
+    EXPECT_EQ((file.*search)(at, word, true, true), found) << text;
+    EXPECT_TRUE(at == to && file.GetPos() == pos) << text << " " << at << " " << file.GetPos();
+    EXPECT_TRUE(!(file.*search)(negative, word, true, true) && file.res == resCallError);
+  }
+}
+
+TEST(Search, ReplacesAllNotLookingIntoNewText) {
+  struct Refusing : Peek {
+    I32 PreChange(I32 at, I32, I32) const override { return at > 6 ? resNetworkError : resDone; }
+  };
+  // clang-format off
+  const std::tuple<const char*, const char*, const char*, bool, int, std::string, I32> rows[] = {
+      {"aaa", "a", "aa", false, 3, "aaaaaa", resDone}, {"ababab", "ab", "", false, 3, "", resDone},
+      {"abaababa", "aba", "b", false, 2, "bbba", resDone},
+      {"Cat cats cat", "cAT", "dog", true, 1, "dog cats cat", resNetworkError}};
+  // clang-format on
+  for (const auto& [text, from, to, wordOfAnyCase, count, result, res] : rows) {
+    Refusing file;
+    file.Append(text), file.res = resNotDone;
+    EXPECT_EQ(file.ReplaceGlobal(from, to, wordOfAnyCase, wordOfAnyCase), count);
+    EXPECT_TRUE(Bytes(file) == result && file.res == res) << Bytes(file);
+    file.Reset(), file.SetFlags(vfReadOnly);
+    EXPECT_EQ(file.ReplaceGlobal("a", "b", true, false), 0);
+    EXPECT_EQ(file.res, result.find('a') == std::string::npos ? resDone : resReadOnly);
+  }
+}
+
+TEST(Search, TheShiftIsTheLeastThatCanStillMatch) {
+  for (unsigned bits = 0; bits < 1024; ++bits) {
+    const auto equal = [bits](auto i, auto j) { return (bits >> i & 1U) == (bits >> j & 1U); };
+    for (int k = 1, s = 1; k <= 10; ++k, s = 1) {
+      while (((bits >> s ^ bits) & ((1U << (k - s)) - 1)) != 0) ++s;
+      ASSERT_EQ(vfile::Shift(k, equal), s) << bits << " " << k;
+    }
+  }
+}
+
+}  // namespace

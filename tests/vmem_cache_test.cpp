@@ -1,0 +1,179 @@
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <list>
+#include <random>
+
+#include "support/Files.h"
+#include "support/VMemPeek.h"
+
+using namespace support;
+
+namespace {
+
+/// Number of a page that shares its entry of the hash table with page 0.
+constexpr std::int32_t kAlias = 16384;
+
+/// The list of cached pages, each with whether the table leads to it. The data are the test's.
+struct CacheModel {
+  struct Page {
+    std::int32_t addr;
+    bool dirty, hashed;
+  };
+
+  void Access(std::int32_t addr, std::int32_t len, bool write) {
+    for (std::int32_t at = addr / 1024 * 1024; len > 0 && at < addr + len; at += 1024) {
+      auto page = std::find_if(cached.begin(), cached.end(), [&](const Page& p) { return p.addr == at; });
+      if (page == cached.end()) {
+        if (!cached.empty() && cached.size() >= limit) cached.pop_back();
+        page = cached.insert(cached.begin(), {at, false, false});
+      }
+      if (!page->hashed) cached.splice(cached.begin(), cached, page);
+      for (auto& other : cached) other.hashed = other.hashed && (other.addr - at) % (kAlias * 1024) != 0;
+      page->hashed = true;
+      page->dirty = page->dirty || write;
+    }
+  }
+  /// Compares the list, and the data with those of `space`.
+  void ExpectIn(const Peek& vm, const std::string& space) const {
+    const CacheDesc* p = vm.cacheHead;
+    for (const auto& page : cached) {
+      ASSERT_TRUE(p != nullptr && p->addr == page.addr && p->dirty == page.dirty);
+      ASSERT_EQ(std::memcmp(p->data, &space[static_cast<std::size_t>(p->addr)], 1024), 0);
+      p = p->next;
+    }
+    EXPECT_EQ(std::tuple(p, vm.Rule()), std::tuple(nullptr, ""));
+  }
+
+  std::size_t limit;
+  std::list<Page> cached = {};
+};
+
+class SwapFileTest : public support::InDirectory {
+ protected:
+  SwapFileTest() { Start(3); }
+  void Start(std::int32_t limit) {
+    if (vm.maxAddress > 0) vm.DeallocAll();
+    vm.SetTempDir(Units(Directory()).c_str());
+    vm.maxAddress = 3 * kAlias * 1024;
+    vm.SetLimit(limit);
+  }
+  Peek vm;
+};
+
+TEST_F(SwapFileTest, ComesWithTheFirstWriteOfAChangedPage) {
+  vm.Touch({0, 1, 2, 3});
+  EXPECT_EQ(std::tuple(vm.swapFile, vm.cacheHead), std::tuple(INVALID_HANDLE_VALUE, vm.spareDesc));
+  vm.Mark({5});
+  vm.Touch({1, 2, 3});
+  const int descriptor = vm.Descriptor();
+  std::string bytes(7000, '?');
+  bytes.resize(static_cast<std::size_t>(pread(descriptor, bytes.data(), bytes.size(), 0)));
+  EXPECT_EQ(bytes, std::string(5120, '\0') + vm.Content(5));
+  EXPECT_TRUE(std::filesystem::is_empty(Directory()));
+  vm.DeallocAll();
+  EXPECT_EQ(fcntl(descriptor, F_GETFD), -1);
+  vm.maxAddress = 6144;
+  EXPECT_EQ(vm.Read(5120, 1024), std::string(1024, '\0')) << "what was dropped came back";
+}
+
+TEST_F(SwapFileTest, LiesInTheFirstUsableDirectory) {
+  const std::string tooLong(255 - Directory().string().size(), 'd');
+  for (const auto& name : {std::string("a"), std::string("b"), tooLong}) std::filesystem::create_directory(Path(name));
+  // The setting, "TMP", "TEMP", what the file's name begins with.
+  const std::tuple<std::string, std::string, std::string, std::string> rows[] = {
+      {"a/", "b", "b", "a/"}, {"a", "b", "b", "a\\"}, {"none", "b", "a", "b\\"}, {"", "none", "b", "b\\"}};
+  for (const auto& [set, tmp, temp, begin] : rows) {
+    Start(1);
+    vm.SetTempDir(set.empty() ? TSTR("") : Name(set).c_str());
+    setenv("TMP", Path(tmp).c_str(), 1);
+    setenv("TEMP", Path(temp).c_str(), 1);
+    vm.Mark({0, 1});
+    const std::string name = Narrow(vm.swapFileName), head = Path(begin).string() + "~vmem";
+    EXPECT_TRUE(name.starts_with(head) && name.ends_with(".tmp") && name.size() <= head.size() + 9) << name;
+  }
+  Start(1);
+  vm.SetTempDir(Name(tooLong).c_str());
+  vm.Mark({0});
+  EXPECT_HALT("VMem, FlushCachePtr():\nswap file creation failed", vm.Touch({1}));
+  EXPECT_EQ(vm.Read(0, 1024), vm.Content(0));
+  for (const char* variable : {"TMP", "TEMP"}) unsetenv(variable);
+}
+
+TEST_F(SwapFileTest, FailuresHaltAndLoseNothing) {
+  // Whether the disk is full or the file without positions, the halt, the page that is changed, the one asked for.
+  const std::tuple<bool, std::string, std::int32_t, std::int32_t> rows[] = {
+      {false, "FindPage():\nseeking in swap file failed", 3, 0},
+      {true, "FlushCachePtr():\nwriting on swap file failed (disk full?)", 4, 3},
+      {true, "ExtendFile():\nwriting on swap file failed (disk full?)", 9, 3}};
+  for (const auto& [full, halt, changed, asked] : rows) {
+    Start(1);
+    vm.Mark({0, 1, 2, 3});
+    vm.ReleaseCache();
+    vm.Mark({changed});
+    if (asked == 0) vm.FlushCache();
+    const int kept = dup(vm.Descriptor()), other = full ? open("/dev/full", O_RDWR) : open("/", O_PATH);
+    dup2(other, vm.Descriptor());
+    EXPECT_EQ(HaltOf([&, page = asked] { vm.Touch({page}); }), "VMem, " + halt);
+    const NoteHalts notes;
+    EXPECT_EQ(vm.Read(asked * 1024, 4), "????");
+    vm.Mark({asked});
+    dup2(kept, vm.Descriptor());
+    close(kept), close(other);
+    for (const std::int32_t page : {changed, 3}) EXPECT_EQ(vm.Read(page * 1024, 1024), vm.Content(page)) << halt;
+    EXPECT_EQ(std::tuple(notes.Noted(), vm.Rule()), std::tuple(std::vector<std::string>(2, "VMem, " + halt), ""));
+  }
+}
+
+TEST_F(SwapFileTest, HoldsTheLastPageOfTheSpace) {
+  vm.Mark({0});
+  vm.FlushCache();
+  vm.maxAddress = 0x7fffffff;
+  vm.fileLen = 0x7ffffc00;
+  ASSERT_EQ(ftruncate(vm.Descriptor(), vm.fileLen), 0);
+  vm.Write(0x7ffffffe, "e");
+  vm.ReleaseCache();
+  EXPECT_EQ(vm.Read(0x7ffffffe, 1), "e");
+}
+
+class CacheModelTest : public SwapFileTest, public testing::WithParamInterface<int> {};
+
+TEST_P(CacheModelTest, HoldsAndEvictsAsTheModel) {
+  std::mt19937 random(static_cast<std::uint32_t>(GetParam()));
+  const auto below = [&](int bound) { return static_cast<int>(random() % static_cast<std::uint32_t>(bound)); };
+  Start(GetParam());
+  CacheModel model{static_cast<std::size_t>(GetParam())};
+  std::string space(static_cast<std::size_t>(vm.maxAddress), '\0');
+  for (int step = 0; step < 1500 && !HasFailure(); ++step) {
+    const auto address = [&] { return (below(3) * kAlias + below(7)) * 1024 + (below(3) > 0 ? below(1024) : 0); };
+    const std::int32_t lengths[] = {below(8), below(8), below(3000), 1023 + below(3)};
+    const std::int32_t addr = address(), len = lengths[below(4)], verb = below(100);
+    const auto at = static_cast<std::size_t>(addr), count = static_cast<std::size_t>(len);
+    if (verb < 45) {
+      ASSERT_EQ(vm.Read(addr, len), space.substr(at, count)) << step;
+      model.Access(addr, len, false);
+    } else if (verb < 90) {
+      const std::string content = Pattern(len, static_cast<std::uint32_t>(step));
+      vm.Write(addr, content);
+      space.replace(at, count, content);
+      model.Access(addr, len, true);
+    } else if (verb < 96) {
+      const std::int32_t dst = below(2) > 0 ? address() : addr + below(1500);
+      vm.CopyBytes(dst, addr, static_cast<std::int16_t>(len));
+      std::memmove(&space[static_cast<std::size_t>(dst)], &space[at], count);
+      vm.ReleaseCache();
+      model.cached.clear();
+    } else {
+      const int limit = below(GetParam() + 1);
+      vm.SetLimit(limit);
+      vm.SetLimit(GetParam());
+      while (model.cached.size() > static_cast<std::size_t>(limit)) model.cached.pop_front();
+    }
+    model.ExpectIn(vm, space);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Limits, CacheModelTest, testing::Values(0, 1, 2, 3, 4, 9, 16));
+
+}  // namespace
