@@ -1,5 +1,7 @@
 // revise: replaces a text everywhere in a file of any size up to 2^31-1 bytes, in a bounded amount of memory.
 //
+// With --text the file is a text file in any of the four forms, OLD and NEW are UTF-8, and what is replaced is characters.
+//
 // Exit status: 0 done, 1 failed, 2 wrong call. Whatever fails, IN and an OUT that existed are as they were.
 
 #include <algorithm>
@@ -10,19 +12,25 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <stdexcept>
+#include <iterator>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "hsys/HSys.h"
-#include "vfile/VFile.h"
+#include "Texts.h"
+#include "tcharvfile/TCharVFile.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char kUsage[] = "usage: revise [--cache KB] [--ignore-case] [--whole-word] [--force] OLD NEW IN OUT";
+constexpr char kUsage[] =
+    "usage: revise [--cache KB] [--ignore-case] [--whole-word] [--force]"
+    " [--text [--encoding ansi|utf8|utf16|utf16be] [--bom|--no-bom]] OLD NEW IN OUT";
+
+constexpr std::string_view kForms[] = {"ansi", "utf16", "utf16be", "utf8"};  // by the value of Encoding
 
 struct Failure : std::runtime_error {
   using std::runtime_error::runtime_error;
@@ -37,15 +45,33 @@ struct Options {
   bool ignoreCase = false;
   bool wholeWord = false;
   bool force = false;
+  bool text = false;
+  std::optional<TCharVFile::Encoding> encoding;
+  bool bom = true;
   std::string oldText;
   std::string newText;
   fs::path in;
   fs::path out;
 };
 
+std::int16_t CacheSizeOf(const std::string& value) {
+  std::int16_t kilobytes = 0;
+  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), kilobytes);
+  const bool whole = error == std::errc() && end == value.data() + value.size();
+  if (!whole || kilobytes < 0) throw WrongCall("--cache takes 0 to 32767 kilobytes");
+  return kilobytes;
+}
+
+TCharVFile::Encoding FormOf(const std::string& name) {
+  const auto* form = std::find(std::begin(kForms), std::end(kForms), name);
+  if (form == std::end(kForms)) throw WrongCall("--encoding takes ansi, utf8, utf16 or utf16be");
+  return static_cast<TCharVFile::Encoding>(form - kForms);
+}
+
 Options ParseArguments(int argc, char** argv) {
   Options options;
   int next = 1;
+  bool forTextAlone = false;
   for (; next < argc && std::strncmp(argv[next], "--", 2) == 0; ++next) {
     const std::string option = argv[next];
     if (option == "--") {
@@ -57,38 +83,27 @@ Options ParseArguments(int argc, char** argv) {
       options.wholeWord = true;
     } else if (option == "--force") {
       options.force = true;
+    } else if (option == "--text") {
+      options.text = true;
+    } else if (option == "--bom" || option == "--no-bom") {
+      options.bom = option == "--bom";
+      forTextAlone = true;
+    } else if (option == "--encoding" && next + 1 < argc) {
+      options.encoding = FormOf(argv[++next]);
+      forTextAlone = true;
     } else if (option == "--cache" && next + 1 < argc) {
-      const std::string value = argv[++next];
-      const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), options.cacheKilobytes);
-      const bool whole = error == std::errc() && end == value.data() + value.size();
-      if (!whole || options.cacheKilobytes < 0) throw WrongCall("--cache takes 0 to 32767 kilobytes");
+      options.cacheKilobytes = CacheSizeOf(argv[++next]);
     } else {
       throw WrongCall(kUsage);
     }
   }
-  if (argc - next != 4) throw WrongCall(kUsage);
+  if (argc - next != 4 || (forTextAlone && !options.text)) throw WrongCall(kUsage);
   options.oldText = argv[next];
   options.newText = argv[next + 1];
   options.in = argv[next + 2];
   options.out = argv[next + 3];
   if (options.oldText.empty()) throw WrongCall("OLD is empty");
   return options;
-}
-
-/// A name as the library takes it.
-TString NameOf(const fs::path& path) {
-  const std::u16string units = path.u16string();
-  return {units.begin(), units.end()};
-}
-
-/// Throws the text of a result that is not `resDone`.
-void Check(std::int32_t res, const fs::path& what) {
-  if (res == resDone) return;
-  TChar units[64];
-  GetTextResMsg(units, 64, res);
-  std::string text;
-  for (const TChar* unit = units; *unit != 0; ++unit) text += static_cast<char>(*unit);
-  throw Failure(what.string() + ": " + text);
 }
 
 std::int32_t CheckedSize(const fs::path& in) {
@@ -122,7 +137,7 @@ constexpr std::int32_t kStep = 4 << 20;
 
 void LoadFile(VFile& text, const fs::path& path, std::int32_t size) {
   HFile file;
-  file.OpenSeqRead(NameOf(path).c_str());
+  file.OpenSeqRead(UnitsOf(path).c_str());
   Check(file.res, path);
   const Progress progress("loading", size);
   for (std::int32_t left = size; left > 0; left -= kStep) {
@@ -150,12 +165,15 @@ void OnHalt(const TChar* message) {
   std::_Exit(1);
 }
 
-void WriteTo(VFile& text, const fs::path& path, bool overwrite) {
+/// Notes the name of a file that is about to come into being.
+void NoteUnfinished(const fs::path& path) { std::snprintf(unfinishedName, sizeof unfinishedName, "%s", path.c_str()); }
+
+void WriteFile(VFile& text, const fs::path& path, bool overwrite) {
   HFile file;
-  file.CreateSeqWrite(NameOf(path).c_str(), overwrite);
+  file.CreateSeqWrite(UnitsOf(path).c_str(), overwrite);
   Check(file.res, path);
   const Progress progress("saving", text.Length());
-  if (!overwrite) std::snprintf(unfinishedName, sizeof unfinishedName, "%s", path.c_str());
+  if (!overwrite) NoteUnfinished(path);
   for (text.Reset(); !text.Eof() && text.res == resDone;) {
     progress.Show(text.GetPos());
     text.WriteToFile(file, kStep);
@@ -166,16 +184,18 @@ void WriteTo(VFile& text, const fs::path& path, bool overwrite) {
   file.Close();
 }
 
-/// An existing file is replaced by a complete one in one step; a device is written as it is.
-void SaveFile(VFile& text, const fs::path& out, bool force) {
+/// Has `write(path, overwrite)` write OUT. An existing file is replaced by a complete one in one step; a device is written as it
+/// is.
+template <typename Write>
+void SaveOut(const fs::path& out, bool force, Write write) {
   if (!force || !fs::exists(out)) {
-    WriteTo(text, out, false);
+    write(out, false);
   } else if (!fs::is_regular_file(out)) {
-    WriteTo(text, out, true);
+    write(out, true);
   } else {
     const fs::path target = fs::canonical(out);
     const fs::path complete = target.string() + ".revise-" + std::to_string(getpid()) + "~";
-    WriteTo(text, complete, false);
+    write(complete, false);
     fs::permissions(complete, fs::status(target).permissions());
     fs::rename(complete, target);
   }
@@ -191,6 +211,49 @@ std::uintmax_t SwapFileSize() {
   return 0;
 }
 
+/// What the virtual memory takes, while there is a file.
+void ReportSpace() {
+  rusage usage;
+  getrusage(RUSAGE_SELF, &usage);
+  std::printf("cache %d of %d KB, swap file %ju bytes, peak memory %ld KB\n", VFile::GetCacheSize(),
+              VFile::GetMaxCacheSize(), SwapFileSize(), usage.ru_maxrss);
+}
+
+/// Gives the number of replacements, and the bytes that came out.
+std::int32_t ReviseBytes(const Options& options, std::int32_t size, std::uintmax_t& written) {
+  VFile text;
+  LoadFile(text, options.in, size);
+  const std::int32_t count =
+      text.ReplaceGlobal(options.oldText.c_str(), options.newText.c_str(), options.ignoreCase, options.wholeWord);
+  Check(text.res, options.in);
+  written = static_cast<std::uintmax_t>(text.Length());
+  SaveOut(options.out, options.force, [&](const fs::path& path, bool overwrite) { WriteFile(text, path, overwrite); });
+  ReportSpace();
+  return count;
+}
+
+std::int32_t ReviseText(const Options& options, std::uintmax_t& written) {
+  TCharVFile text;
+  TCharVFile::Encoding form;
+  text.LoadText(UnitsOf(options.in), form, FILE_SHARE_READ);
+  Check(text.res, options.in);
+  const std::int32_t count = text.ReplaceGlobalTChars(
+      UnitsOf(options.oldText).c_str(), UnitsOf(options.newText).c_str(), options.ignoreCase, options.wholeWord);
+  Check(text.res, options.in);
+  const TCharVFile::Encoding target = options.encoding.value_or(form);
+  SaveOut(options.out, options.force, [&](const fs::path& path, bool overwrite) {
+    // A name that exists is never taken, so what is there after a failure is this program's.
+    if (!overwrite && !fs::exists(path)) NoteUnfinished(path);
+    text.SaveText(UnitsOf(path), overwrite, target, options.bom);
+    if (text.res == resAlreadyExists) unfinishedName[0] = '\0';
+    Check(text.res, path);
+    written = fs::is_regular_file(path) ? fs::file_size(path) : 0;
+  });
+  std::printf("%s became %s\n", kForms[form].data(), kForms[target].data());
+  ReportSpace();
+  return count;
+}
+
 void Revise(const Options& options) {
   const auto start = std::chrono::steady_clock::now();
   const std::int32_t size = CheckedSize(options.in);
@@ -200,19 +263,10 @@ void Revise(const Options& options) {
     if (!options.force) throw Failure(options.out.string() + ": already exists (--force replaces it)");
   }
   VFile::SetMaxCacheSize(options.cacheKilobytes);
-  VFile text;
-  LoadFile(text, options.in, size);
-  const std::int32_t count =
-      text.ReplaceGlobal(options.oldText.c_str(), options.newText.c_str(), options.ignoreCase, options.wholeWord);
-  if (text.res != resDone) Check(text.res, options.in);
-  SaveFile(text, options.out, options.force);
-
+  std::uintmax_t written = 0;
+  const std::int32_t count = options.text ? ReviseText(options, written) : ReviseBytes(options, size, written);
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-  rusage usage;
-  getrusage(RUSAGE_SELF, &usage);
-  std::printf("in %d bytes, out %d bytes, %d replacements, %.2f s\n", size, text.Length(), count, seconds.count());
-  std::printf("cache %d of %d KB, swap file %ju bytes, peak memory %ld KB\n", VFile::GetCacheSize(),
-              VFile::GetMaxCacheSize(), SwapFileSize(), usage.ru_maxrss);
+  std::printf("in %d bytes, out %ju bytes, %d replacements, %.2f s\n", size, written, count, seconds.count());
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #!/bin/sh
-# Tries revise on good and on bad input. Argument: the program.
+# Tries revise and recode on good and on bad input. Arguments: the programs.
 set -u
-revise=$1
+revise=$1 recode=$2
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$scratch" || exit 1
@@ -52,7 +52,25 @@ chmod 640 out2 && works "keeps the mode of OUT" in out2 --force zebra x in out2
 ln -s out2 link && works "through a link" in out2 --force zebra x in link
 [ -L link ] || fail "the link is gone"
 
+printf '\357\273\277Br\303\274cke \345\261\261 \360\235\204\236 B' >text
+printf '\357\273\277Br\303\274cke \345\261\261 clef B' >expected
+works "text keeps its form" expected out6 --text "$(printf '\360\235\204\236')" clef text out6
+printf '\377\376B\000r\000\374\000c\000k\000e\000 \000q\134 \0004\330\036\335 \000b\000' >expected
+works "text in another form" expected out7 --text --whole-word --encoding utf16 B b text out7
+printf 'Br\303\274cke \345\261\261 \360\235\204\236 b' >expected
+works "text without a mark" expected out8 --text --no-bom --encoding utf8 --whole-word B b out7 out8
+"$recode" utf16be text out9 >said && "$recode" utf16 out9 out10 >said && "$recode" utf8 out10 out11 >said ||
+  fail "recode: $(cat said)"
+cmp -s text out11 || fail "recode: the text came back different"
+"$recode" latin text missing-out >said 2>&1 && fail "recode took an unknown form"
+"$recode" utf8 text out11 >said 2>&1 && fail "recode replaced a file"
+
 refused "no arguments" 2 usage
+refused "--bom without --text" 2 usage --bom a b in missing-out
+refused "unknown form" 2 "utf16be" --text --encoding latin a b in missing-out
+refused "OLD is no UTF-8" 1 revise --text "$(printf '\377')" b in missing-out
+refused "missing text" 1 "nowhere: not found" --text a b nowhere missing-out
+refused "full device for a text" 1 "disk full" --text --force a b in /dev/full
 refused "unknown option" 2 usage --what a b in missing-out
 refused "bad cache size" 2 32767 --cache 40000 a b in missing-out
 refused "empty OLD" 2 "OLD is empty" "" b in missing-out
@@ -73,6 +91,8 @@ head -c 90000 /dev/zero | tr '\0' a >more
 (
   ulimit -f 100
   refused "full disk" 1 "disk full" a aaa letters missing-out
+  refused "full disk for a text" 1 "disk full" --text --encoding utf16be a aaa letters missing-out
+  refused "full disk over OUT by a text" 1 "disk full" --text --force a aaa letters keep
   refused "full disk over OUT" 1 "disk full" --force a aaa letters keep
   # The swap file meets the limit before any file is saved.
   refused "full disk under the swap file" 1 "disk full?" --cache 4 a b more missing-out

@@ -6,7 +6,7 @@
 /// records) are left out here. Numbers of constants and of errors are those of Win32.
 ///
 /// Rules of the seam:
-/// - Nothing here throws or allocates from the heap.
+/// - Nothing here throws. Nothing but the conversions of code pages allocates from the heap.
 /// - A call that fails leaves its reason in the calling thread's last error. A call that succeeds leaves the last error
 ///   alone, but for `CreateFileW`.
 /// - Names are strings of units ended by a 0 unit. A null name is treated like an empty one.
@@ -212,6 +212,19 @@ inline constexpr std::uint32_t MB_TASKMODAL = 0x2000;
 /// Shows the caption and the text to the user: here on standard error, each on a line of its own, in UTF-8.
 void MessageBoxW(const TChar* text, const TChar* caption, std::uint32_t style);
 
+// ---- Code pages -----------------------------------------------------------------------------------------------------
+
+inline constexpr std::uint32_t CP_UTF8 = 65001;
+
+/// The active ANSI code page: `CP_UTF8`, or another number, for which the two conversions below stand. Here it is the character
+/// set of the environment's locale, fixed at the first call.
+std::uint32_t GetACP();
+/// Converts `length` bytes in the active ANSI code page, which is not `CP_UTF8`, to units; gives how many. With a `size` of 0 it
+/// only counts, else `size` is enough. A byte that has no character becomes U+FFFD.
+std::size_t MultiByteToWideChar(const char* bytes, std::size_t length, TChar* units, std::size_t size);
+/// The same from units to bytes. A character that has none, and an unpaired surrogate, becomes "?".
+std::size_t WideCharToMultiByte(const TChar* units, std::size_t length, char* bytes, std::size_t size);
+
 // ---- Characters and numbers -----------------------------------------------------------------------------------------
 
 /// Compares without regard to the case of ASCII letters, by unit: below, at or above 0.
@@ -225,5 +238,12 @@ int _ultoa_s(std::uint32_t value, char* buffer, std::size_t size, int base);
 int _ltoa_s(std::int32_t value, char* buffer, std::size_t size, int base);
 int _i64toa_s(std::int64_t value, char* buffer, std::size_t size, int base);
 int _ui64toa_s(std::uint64_t value, char* buffer, std::size_t size, int base);
+
+/// The same in units.
+int _itow_s(std::int32_t value, TChar* buffer, std::size_t size, int base);
+int _ultow_s(std::uint32_t value, TChar* buffer, std::size_t size, int base);
+int _ltow_s(std::int32_t value, TChar* buffer, std::size_t size, int base);
+int _i64tow_s(std::int64_t value, TChar* buffer, std::size_t size, int base);
+int _ui64tow_s(std::uint64_t value, TChar* buffer, std::size_t size, int base);
 
 }  // namespace host

@@ -10,6 +10,8 @@ namespace {
 
 std::int32_t LengthOf(const char* text) { return static_cast<std::int32_t>(std::strlen(text)); }
 
+using Search = vfile::SearchText<vfile::SearchedBytes>;
+
 bool IsWordByte(unsigned char byte) { return std::isalnum(byte) != 0; }
 
 }  // namespace
@@ -80,7 +82,7 @@ bool VFile::IsWordByteBefore(std::int32_t position) {
 // in the end, or the end of the file been met, and `position` counts the bytes.
 
 bool VFile::ScanForward(std::int32_t& position, const char* text, bool ignoreCase) {
-  vfile::SearchText search(text, vfile::SearchText::kForward, ignoreCase);
+  Search search(reinterpret_cast<const unsigned char*>(text), LengthOf(text), Search::kForward, ignoreCase);
   RunBuffer spare;
   SetPos(position);
   for (;;) {
@@ -101,7 +103,7 @@ bool VFile::ScanForward(std::int32_t& position, const char* text, bool ignoreCas
 }
 
 bool VFile::ScanBackward(std::int32_t& position, const char* text, bool ignoreCase) {
-  vfile::SearchText search(text, vfile::SearchText::kBackward, ignoreCase);
+  Search search(reinterpret_cast<const unsigned char*>(text), LengthOf(text), Search::kBackward, ignoreCase);
   RunBuffer spare;
   position = std::min(position, length);
   SetPos(position);

@@ -1,7 +1,9 @@
 #include <cerrno>
+#include <string>
 #include <unistd.h>
 
-#include "host/posix/PosixNames.h"
+#include "host/Host.h"
+#include "host/Utf8.h"
 
 namespace host {
 namespace {
@@ -10,24 +12,21 @@ namespace {
 class ErrorLine {
  public:
   explicit ErrorLine(const TChar* text) {
-    for (; *text != 0; ++text) {
-      std::uint32_t codePoint = *text;
-      const bool high = codePoint >= 0xD800 && codePoint <= 0xDBFF;
-      if (high && text[1] >= 0xDC00 && text[1] <= 0xDFFF) {
-        codePoint = 0x10000 + ((codePoint - 0xD800) << 10) + (static_cast<std::uint32_t>(*++text) - 0xDC00);
-      } else if (codePoint >= 0xD800 && codePoint <= 0xDFFF) {
-        codePoint = 0xFFFD;
-      }
-      Put(codePoint);
+    for (std::size_t left = std::char_traits<TChar>::length(text); left > 0;) {
+      std::uint32_t character = 0;
+      const std::size_t used = DecodeUtf16(text, left, character);
+      Put(IsSurrogate(character) ? kReplacementCharacter : character);
+      text += used;
+      left -= used;
     }
     Put('\n');
     Write();
   }
 
  private:
-  void Put(std::uint32_t codePoint) {
+  void Put(std::uint32_t character) {
     if (length_ + 4 > sizeof buffer_) Write();
-    length_ += posix::EncodeUtf8(buffer_ + length_, codePoint);
+    length_ += EncodeUtf8(buffer_ + length_, character);
   }
 
   void Write() {

@@ -1,23 +1,28 @@
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <iterator>
+#include <type_traits>
 
 #include "host/Host.h"
 
 namespace host {
 namespace {
 
-template <typename Value>
-int Format(Value value, char* buffer, std::size_t size, int base) {
+template <typename Value, typename Char>
+int Format(Value value, Char* buffer, std::size_t size, int base) {
   if (buffer == nullptr || size == 0) return EINVAL;
-  buffer[0] = '\0';
+  buffer[0] = 0;
   if (base < 2 || base > 36) return EINVAL;
-  const auto [end, error] = std::to_chars(buffer, buffer + size - 1, value, base);
-  *(error == std::errc() ? end : buffer) = '\0';
-  return error == std::errc() ? 0 : ERANGE;
+  char digits[65];
+  const char* end = std::to_chars(digits, std::end(digits), value, base).ptr;
+  if (static_cast<std::size_t>(end - digits) >= size) return ERANGE;
+  *std::copy(static_cast<const char*>(digits), end, buffer) = 0;
+  return 0;
 }
 
-template <typename Signed>
-int FormatSigned(Signed value, char* buffer, std::size_t size, int base) {
+template <typename Signed, typename Char>
+int FormatSigned(Signed value, Char* buffer, std::size_t size, int base) {
   if (base == 10) return Format(value, buffer, size, base);
   return Format(static_cast<std::make_unsigned_t<Signed>>(value), buffer, size, base);
 }
@@ -37,20 +42,18 @@ int _wcsicmp(const TChar* left, const TChar* right) {
   return static_cast<int>(Fold(*left)) - static_cast<int>(Fold(*right));
 }
 
-int _itoa_s(std::int32_t value, char* buffer, std::size_t size, int base) {
-  return FormatSigned(value, buffer, size, base);
-}
-int _ultoa_s(std::uint32_t value, char* buffer, std::size_t size, int base) {
-  return Format(value, buffer, size, base);
-}
-int _ltoa_s(std::int32_t value, char* buffer, std::size_t size, int base) {
-  return FormatSigned(value, buffer, size, base);
-}
-int _i64toa_s(std::int64_t value, char* buffer, std::size_t size, int base) {
-  return FormatSigned(value, buffer, size, base);
-}
-int _ui64toa_s(std::uint64_t value, char* buffer, std::size_t size, int base) {
-  return Format(value, buffer, size, base);
-}
+// clang-format off
+int _itoa_s(std::int32_t value, char* buffer, std::size_t size, int base) { return FormatSigned(value, buffer, size, base); }
+int _ultoa_s(std::uint32_t value, char* buffer, std::size_t size, int base) { return Format(value, buffer, size, base); }
+int _ltoa_s(std::int32_t value, char* buffer, std::size_t size, int base) { return FormatSigned(value, buffer, size, base); }
+int _i64toa_s(std::int64_t value, char* buffer, std::size_t size, int base) { return FormatSigned(value, buffer, size, base); }
+int _ui64toa_s(std::uint64_t value, char* buffer, std::size_t size, int base) { return Format(value, buffer, size, base); }
+
+int _itow_s(std::int32_t value, TChar* buffer, std::size_t size, int base) { return FormatSigned(value, buffer, size, base); }
+int _ultow_s(std::uint32_t value, TChar* buffer, std::size_t size, int base) { return Format(value, buffer, size, base); }
+int _ltow_s(std::int32_t value, TChar* buffer, std::size_t size, int base) { return FormatSigned(value, buffer, size, base); }
+int _i64tow_s(std::int64_t value, TChar* buffer, std::size_t size, int base) { return FormatSigned(value, buffer, size, base); }
+int _ui64tow_s(std::uint64_t value, TChar* buffer, std::size_t size, int base) { return Format(value, buffer, size, base); }
+// clang-format on
 
 }  // namespace host

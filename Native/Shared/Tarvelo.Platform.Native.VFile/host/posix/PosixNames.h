@@ -36,9 +36,6 @@ class NativeName {
 /// that the whole text takes. Bytes that are no UTF-8 become U+DC00 plus the byte.
 std::size_t UnitsFromNative(TChar* units, std::size_t size, const char* bytes, std::size_t length);
 
-/// Writes one code point as UTF-8 to `out`, which has room for 4 bytes, and gives the number written.
-std::size_t EncodeUtf8(char* out, std::uint32_t codePoint);
-
 /// The Win32 number of an `errno`.
 std::uint32_t ErrorFromErrno(int error);
 /// The same for a call on a name: a missing file whose directory is missing too is ERROR_PATH_NOT_FOUND.

@@ -1,0 +1,46 @@
+#include <memory>
+#include <new>
+
+#include "tcharvfile/TCharVFile.h"
+
+namespace {
+
+constexpr TChar kCr = 13;
+constexpr TChar kLf = 10;
+
+}  // namespace
+
+std::int32_t TCharVFile::ReadLine(TChar* buffer, std::int32_t size) {
+  if (buffer == nullptr || size < 1) {
+    res = resCallError;
+    return 0;
+  }
+  std::int32_t stored = 0;
+  for (;;) {
+    TChar unit = 0;
+    ReadTChar(unit);
+    if (eof || unit == kLf) break;
+    if (unit == kCr) {
+      const std::int32_t behindCr = pos;
+      ReadTChar(unit);
+      if (eof || unit != kLf) SetPos(behindCr);
+      break;
+    }
+    if (stored < size - 1) buffer[stored++] = unit;
+  }
+  buffer[stored] = 0;
+  return stored;
+}
+
+TString TCharVFile::ToString() {
+  const std::int32_t count = TCharLength();
+  if (count < 1) return {};
+  const std::unique_ptr<TChar[]> units(new (std::nothrow) TChar[static_cast<std::size_t>(count)]);
+  if (units == nullptr) {
+    res = resHeapOverflow;
+    return {};
+  }
+  SetPos(0);
+  ReadTChars(units.get(), count);
+  return {units.get(), static_cast<std::size_t>(count)};
+}
