@@ -126,17 +126,4 @@ TEST(Model, FilesAreStringsUnderAllOperations) {
   VFile::SetMaxCacheSize(70);
 }
 
-TEST(Model, ALargeFileNeedsLittleCache) {
-  VFile::SetMaxCacheSize(2);
-  Peek file("x");
-  std::string bytes = "x";
-  for (I32 i = 1; file.Length() < 3 << 20; i = i * 5 % 999983) {
-    const std::string put = Pattern(i % 2000, i);
-    bytes.insert(Size(i) % bytes.size(), put);
-    file.ReplaceBuf(i % file.Length(), 0, put.data(), Count(put.size()));
-  }
-  EXPECT_TRUE(VFile::GetCacheSize() <= 2 && Bytes(file) == bytes);
-  VFile::SetMaxCacheSize(70);
-}
-
 }  // namespace
