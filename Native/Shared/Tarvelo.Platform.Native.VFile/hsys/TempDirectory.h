@@ -2,14 +2,10 @@
 /// Where temporary files go when nobody has said it.
 #pragma once
 
-#include <cstddef>
-
 #include "host/Unit.h"
+#include "hsys/HostNames.h"
 
 namespace hsys {
-
-/// Size of a buffer for a name of the host, in units, terminator included.
-inline constexpr std::size_t kNameSize = 261;
 
 /// Whether `name`, null counting as empty, is a directory in which files can be made and found, of at most 260 units.
 bool IsUsableDirectory(const TChar* name);

@@ -1,10 +1,11 @@
 #include <string>
-#include <type_traits>
 
-#include "host/Host.h"
+#include "hsys/NumberText.h"
 #include "vfile/VFile.h"
 
 namespace {
+
+using NumberText = hsys::NumberText<char>;
 
 std::int32_t LengthOf(const char* text) { return static_cast<std::int32_t>(std::char_traits<char>::length(text)); }
 
@@ -85,30 +86,14 @@ VFile& VFile::operator<<(const VFile& source) {
   return *this;
 }
 
-/// Writes the digits of a number, at 32 or 64 bits by its width.
-template <typename Value>
-VFile& VFile::WriteNumber(Value value) {
-  char text[65];
-  if constexpr (std::is_signed_v<Value> && sizeof(Value) <= 4) {
-    host::_itoa_s(value, text, sizeof text, radix);
-  } else if constexpr (std::is_signed_v<Value>) {
-    host::_i64toa_s(value, text, sizeof text, radix);
-  } else if constexpr (sizeof(Value) <= 4) {
-    host::_ultoa_s(value, text, sizeof text, radix);
-  } else {
-    host::_ui64toa_s(value, text, sizeof text, radix);
-  }
-  return *this << static_cast<const char*>(text);
-}
-
-VFile& VFile::operator<<(short value) { return WriteNumber(value); }
-VFile& VFile::operator<<(unsigned short value) { return WriteNumber(value); }
-VFile& VFile::operator<<(int value) { return WriteNumber(value); }
-VFile& VFile::operator<<(unsigned int value) { return WriteNumber(value); }
-VFile& VFile::operator<<(long value) { return WriteNumber(value); }
-VFile& VFile::operator<<(unsigned long value) { return WriteNumber(value); }
-VFile& VFile::operator<<(long long value) { return WriteNumber(value); }
-VFile& VFile::operator<<(unsigned long long value) { return WriteNumber(value); }
+VFile& VFile::operator<<(short value) { return *this << NumberText(value, radix).text; }
+VFile& VFile::operator<<(unsigned short value) { return *this << NumberText(value, radix).text; }
+VFile& VFile::operator<<(int value) { return *this << NumberText(value, radix).text; }
+VFile& VFile::operator<<(unsigned int value) { return *this << NumberText(value, radix).text; }
+VFile& VFile::operator<<(long value) { return *this << NumberText(value, radix).text; }
+VFile& VFile::operator<<(unsigned long value) { return *this << NumberText(value, radix).text; }
+VFile& VFile::operator<<(long long value) { return *this << NumberText(value, radix).text; }
+VFile& VFile::operator<<(unsigned long long value) { return *this << NumberText(value, radix).text; }
 
 // ---- Appending ----
 

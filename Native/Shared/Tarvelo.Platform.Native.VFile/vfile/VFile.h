@@ -30,7 +30,8 @@
 ///
 /// Sections of the class, each in the file of its name: life and settings (VFile.cpp), position (Position.cpp), reading
 /// (Reading.cpp), the five primitives of change (Replace.cpp), editing (Editing.cpp), operators (Operators.cpp), flags and
-/// hooks (Flags.cpp), search (Search.cpp), transfer (Transfer.cpp). Inside: the chain (Chain.cpp), the walk (Walk.cpp), the
+/// hooks (Flags.cpp), search (Search.cpp), lines (Lines.cpp), transfer (Transfer.cpp); the relational operators stand below
+/// the class (Comparison.cpp). Inside: the chain (Chain.cpp), the walk (Walk.cpp), the
 /// scratch buffer (Scratch.cpp), the engine of change (Change.cpp), const reading (ConstReading.cpp), the values of the
 /// thread (ThreadValues.cpp).
 #pragma once
@@ -47,6 +48,9 @@
 
 class BlkPool;
 class VMem;
+namespace vfile {
+class Comparison;
+}
 
 class VFILE_API VFile {
  public:
@@ -373,6 +377,27 @@ class VFILE_API VFile {
   /// replacement ends it, with the reason in `res`; what was done stays. An empty `oldText` is `resCallError`.
   std::int32_t ReplaceGlobal(const char* oldText, const char* newText, bool ignoreCase, bool wholeWord);
 
+  // ---- Lines ----
+  //
+  // A line ends in CR LF, a lone CR or a lone LF, mixed at will; the last one may have no end. Behind a line end at the end of
+  // the file stands one more line, empty. The place between a CR and its LF belongs to the line that they end. `position` may
+  // be anywhere in the line. These operations move the position to no defined place and clear `res`; a negative `position` is
+  // `resCallError`, and past the end it counts as the end. Cost: that of reading the line; nothing is kept between calls.
+
+  bool AfterCRLF(std::int32_t position);   ///< Whether the two bytes before `position` are CR LF.
+  bool BeforeCRLF(std::int32_t position);  ///< Whether the two bytes from `position` on are CR LF.
+  bool BetweenCRLF(
+      std::int32_t position);  ///< Whether it stands between CR and LF; below 1 false, with `res` left alone.
+  /// The position of the first byte of the line; 0 on failure.
+  std::int32_t LineStart(std::int32_t position);
+  /// The line in bytes: its `start`, its `size` with the line end, and the `eolSize` of that, 0 to 2. On failure they stay as
+  /// they were.
+  void LineSize(std::int32_t position, std::int32_t& start, std::int32_t& size, std::int32_t& eolSize);
+  /// The position of the line end, or with `withEol` behind it, where the next line starts; 0 on failure.
+  std::int32_t LineEnd(std::int32_t position, bool withEol);
+  /// The number of leading blanks of the line, the byte 32 alone; 0 on failure.
+  std::int32_t LineIndent(std::int32_t position);
+
   // ---- Transfer with files of the host: plain bytes, in calls of up to 1024 ----
 
   /// Brings the page of the current block up to date and frees the scratch buffer. Leaves `res` and the position alone.
@@ -461,6 +486,7 @@ class VFILE_API VFile {
   class VFILE_LOCAL NewChain;
   class VFILE_LOCAL BufferSource;
   class VFILE_LOCAL FileSource;
+  friend class vfile::Comparison;
 
   bool OnOwnerThread(std::int32_t line = __builtin_LINE()) const;
 
@@ -526,17 +552,46 @@ class VFILE_API VFile {
   // Editing.cpp
   std::int32_t WriteDel(std::int32_t overwrite) const;
 
-  // Operators.cpp
-  template <typename Value>
-  VFILE_LOCAL VFile& WriteNumber(Value value);
-
   // Search.cpp
   bool IsWordByteBehind(std::int32_t position);
   bool IsWordByteBefore(std::int32_t position);
   bool ScanForward(std::int32_t& position, const char* text, bool ignoreCase);
   bool ScanBackward(std::int32_t& position, const char* text, bool ignoreCase);
 
+  // Lines.cpp
+  bool AdmitLine(std::int32_t position, std::int32_t line = __builtin_LINE());
+
   // Transfer.cpp
   template <typename WritePiece>
   VFILE_LOCAL void WriteByPieces(bool open, std::int32_t count, WritePiece writePiece);
 };
+
+// ---- Comparison ----
+//
+// By content: bytes as unsigned values, the first difference decides, and a beginning of the other is less than it. A string
+// counts up to its terminator and must not be null; a file may hold NUL bytes, which are compared like others. The files,
+// their position, `eof` and `res` are left as they are, and `file == file` is safe.
+//
+// Thread: of both files; else `HaltA` under "VFile". Cost: reads up to the first difference, and nothing where `==` finds two
+// lengths; no allocation.
+
+VFILE_API bool operator==(const VFile& left, const VFile& right);
+VFILE_API bool operator!=(const VFile& left, const VFile& right);
+VFILE_API bool operator<(const VFile& left, const VFile& right);
+VFILE_API bool operator<=(const VFile& left, const VFile& right);
+VFILE_API bool operator>(const VFile& left, const VFile& right);
+VFILE_API bool operator>=(const VFile& left, const VFile& right);
+
+VFILE_API bool operator==(const VFile& left, const char* right);
+VFILE_API bool operator!=(const VFile& left, const char* right);
+VFILE_API bool operator<(const VFile& left, const char* right);
+VFILE_API bool operator<=(const VFile& left, const char* right);
+VFILE_API bool operator>(const VFile& left, const char* right);
+VFILE_API bool operator>=(const VFile& left, const char* right);
+
+VFILE_API bool operator==(const char* left, const VFile& right);
+VFILE_API bool operator!=(const char* left, const VFile& right);
+VFILE_API bool operator<(const char* left, const VFile& right);
+VFILE_API bool operator<=(const char* left, const VFile& right);
+VFILE_API bool operator>(const char* left, const VFile& right);
+VFILE_API bool operator>=(const char* left, const VFile& right);

@@ -9,6 +9,8 @@
 
 #include "host/Host.h"
 #include "hsys/CopyUnits.h"
+#include "hsys/HostNames.h"
+#include "hsys/NumberText.h"
 #include "hsys/Require.h"
 #include "hsys/Strings.h"
 #include "hsys/TempDirectory.h"
@@ -25,13 +27,8 @@ bool Require(const TChar* proc, bool holds, const TChar* message) {
 
 /// Adds "~vmem<number>.tmp" to the directory in `name`; false if it does not fit.
 bool AppendFileName(TChar (&name)[hsys::kNameSize], std::uint32_t number) {
-  TChar digits[12];
-  TChar* first = std::end(digits);
-  *--first = 0;
-  do *--first = static_cast<TChar>('0' + number % 10);
-  while ((number /= 10) != 0);
   AppendStr(name, hsys::kNameSize, TSTR("~vmem"));
-  AppendStr(name, hsys::kNameSize, first);
+  AppendStr(name, hsys::kNameSize, hsys::NumberText<TChar>(number, 10).text);
   AppendStr(name, hsys::kNameSize, TSTR(".tmp"));
   return std::char_traits<TChar>::length(name) + 1 < hsys::kNameSize;
 }
@@ -43,9 +40,7 @@ void ChooseDirectory(TChar (&name)[hsys::kNameSize], const TChar* dir) {
   } else {
     hsys::FindTempDirectory(name);
   }
-  const std::size_t length = std::char_traits<TChar>::length(name);
-  const bool separated = length == 0 || name[length - 1] == '\\' || name[length - 1] == '/';
-  if (!separated) AppendStr(name, hsys::kNameSize, TSTR("\\"));
+  hsys::CondAppendDirSep(name, hsys::kNameSize);
 }
 
 }  // namespace

@@ -1,0 +1,147 @@
+// Lines: the bytes of a block are scanned at once. `pos` and `eof` end as if each byte of the line had been read for itself.
+
+#include <algorithm>
+#include <cstring>
+
+#include "vfile/VFile.h"
+
+namespace {
+
+constexpr unsigned char kCr = 13;
+constexpr unsigned char kLf = 10;
+constexpr unsigned char kBlank = 32;
+
+bool IsEol(unsigned char byte) { return byte == kCr || byte == kLf; }
+
+/// The offset of the first CR or LF, or `count`.
+std::int32_t FindEol(const unsigned char* bytes, std::int32_t count) {
+  for (const unsigned char eol : {kLf, kCr}) {
+    const void* found = std::memchr(bytes, eol, static_cast<std::size_t>(count));
+    if (found != nullptr) count = static_cast<std::int32_t>(static_cast<const unsigned char*>(found) - bytes);
+  }
+  return count;
+}
+
+}  // namespace
+
+bool VFile::AdmitLine(std::int32_t position, std::int32_t line) {
+  if (!OnOwnerThread(line)) return false;
+  if (position < 0) res = resCallError;
+  return position >= 0;
+}
+
+bool VFile::AfterCRLF(std::int32_t position) {
+  if (!OnOwnerThread()) return false;
+  unsigned char byte;
+  SetPos(position);
+  ReadPrevByte(byte);
+  if (byte != kLf) return false;
+  ReadPrevByte(byte);
+  return byte == kCr;
+}
+
+bool VFile::BeforeCRLF(std::int32_t position) {
+  if (!OnOwnerThread()) return false;
+  unsigned char byte;
+  SetPos(position);
+  ReadByte(byte);
+  if (byte != kCr) return false;
+  ReadByte(byte);
+  return byte == kLf;
+}
+
+bool VFile::BetweenCRLF(std::int32_t position) {
+  if (!OnOwnerThread() || position < 1) return false;
+  return BeforeCRLF(position - 1);
+}
+
+std::int32_t VFile::LineStart(std::int32_t position) {
+  if (!AdmitLine(position)) return 0;
+  position = std::min(position, length);
+  if (position == 0) return 0;
+  unsigned char byte;
+  SetPos(position);
+  ReadPrevByte(byte);
+  if (byte == kCr) {
+    SetPos(position);
+    ReadByte(byte);
+    if (byte != kLf) return position;
+    // Inside a pair: the line is the one that ends with it.
+    --position;
+  }
+  SetPos(position);
+  RunBuffer spare;
+  for (;;) {
+    const Run run = RunBackward(spare);
+    if (run.count == 0) {
+      eof = true;
+      return 0;
+    }
+    const unsigned char* start = run.bytes + run.count;
+    while (start > run.bytes && !IsEol(start[-1])) --start;
+    const auto skipped = static_cast<std::int32_t>(run.bytes + run.count - start);
+    Skip(-skipped);
+    if (start == run.bytes) continue;
+    Skip(-1);
+    return pos + 1;
+  }
+}
+
+void VFile::LineSize(std::int32_t position, std::int32_t& start, std::int32_t& size, std::int32_t& eolSize) {
+  if (!AdmitLine(position)) return;
+  start = LineStart(position);
+  size = 0;
+  eolSize = 0;
+  SetPos(start);
+  RunBuffer spare;
+  for (;;) {
+    const Run run = RunForward(spare);
+    if (run.count == 0) {
+      eof = true;
+      return;
+    }
+    const std::int32_t n = FindEol(run.bytes, run.count);
+    size += n;
+    Skip(n);
+    if (n < run.count) break;
+  }
+  unsigned char byte;
+  ReadByte(byte);
+  eolSize = 1;
+  if (byte == kCr) {
+    ReadByte(byte);
+    if (byte == kLf) eolSize = 2;
+  }
+  size += eolSize;
+}
+
+std::int32_t VFile::LineEnd(std::int32_t position, bool withEol) {
+  if (!AdmitLine(position)) return 0;
+  std::int32_t start = 0;
+  std::int32_t size = 0;
+  std::int32_t eolSize = 0;
+  LineSize(position, start, size, eolSize);
+  return start + size - (withEol ? 0 : eolSize);
+}
+
+std::int32_t VFile::LineIndent(std::int32_t position) {
+  if (!AdmitLine(position)) return 0;
+  SetPos(LineStart(position));
+  std::int32_t indent = 0;
+  RunBuffer spare;
+  for (;;) {
+    const Run run = RunForward(spare);
+    if (run.count == 0) {
+      eof = true;
+      return indent;
+    }
+    std::int32_t n = 0;
+    while (n < run.count && run.bytes[n] == kBlank) ++n;
+    indent += n;
+    Skip(n);
+    if (n == run.count) continue;
+    // The byte that ended the count has been read.
+    Skip(1);
+    return indent;
+  }
+}
