@@ -6,7 +6,7 @@
 /// records) are left out here. Numbers of constants and of errors are those of Win32.
 ///
 /// Rules of the seam:
-/// - Nothing here throws. Nothing but the conversions of code pages allocates from the heap.
+/// - Nothing here throws. Nothing but the conversions of code pages and the finds allocates from the heap.
 /// - A call that fails leaves its reason in the calling thread's last error. A call that succeeds leaves the last error
 ///   alone, but for `CreateFileW`.
 /// - Names are strings of units ended by a 0 unit. A null name is treated like an empty one.
@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "host/FindData.h"
 #include "host/Handle.h"
 #include "host/Unit.h"
 
@@ -125,13 +126,52 @@ bool SetEndOfFile(HANDLE file);
 /// Has the system write its buffers for the file through to the device.
 bool FlushFileBuffers(HANDLE file);
 
-// ---- Names and directories ------------------------------------------------------------------------------------------
+// ---- Files by name --------------------------------------------------------------------------------------------------
 
 /// The attributes of a file or directory, or INVALID_FILE_ATTRIBUTES.
 std::uint32_t GetFileAttributesW(const TChar* name);
+/// Sets the attributes, of which FILE_ATTRIBUTE_READONLY alone counts. A directory cannot be made read-only.
+bool SetFileAttributesW(const TChar* name, std::uint32_t attributes);
 /// 0 if the file can be accessed in the mode, else -1. Mode: 0 exists, 2 may be written, 4 may be read, 6 both. A
 /// directory that is to be written must also be searchable.
 int _waccess(const TChar* name, int mode);
+/// Copies a file with its attributes and the time of its last write. An existing target is ERROR_FILE_EXISTS with
+/// `failIfExists`, else replaced. A regular target appears under its name complete or not at all, and an old one stays as it
+/// was until then; others, such as devices, are written as they are.
+bool CopyFileW(const TChar* source, const TChar* target, bool failIfExists);
+/// Renames a file or directory. A name that exists is ERROR_ALREADY_EXISTS, found out in the step that renames, but the own
+/// name is a success. Between file systems files alone are moved: copied, then removed.
+bool MoveFileW(const TChar* oldName, const TChar* newName);
+/// Removes a file.
+bool DeleteFileW(const TChar* name);
+
+// ---- Names ----------------------------------------------------------------------------------------------------------
+
+/// The form of an existing name without abbreviations, which here is the name itself, into `buffer` of `size` units; gives its
+/// length, or if it does not fit the size that it takes, or 0.
+std::uint32_t GetLongPathNameW(const TChar* name, TChar* buffer, std::uint32_t size);
+/// The absolute form of a name, null counting as empty, with its "." and ".." steps resolved as text, into `buffer` of `size`
+/// units, which may be the name's own; null, with the buffer as it was, if it does not fit.
+TChar* _wfullpath(TChar* buffer, const TChar* name, std::size_t size);
+/// Joins the parts of a name, null counting as empty. Gives 0, or an error number with the buffer emptied.
+int _wmakepath_s(TChar* buffer, std::size_t size, const TChar* drive, const TChar* dir, const TChar* name,
+                 const TChar* ext);
+/// Takes a name apart. A null buffer with size 0 skips the part. Gives 0, or an error number with all buffers emptied.
+int _wsplitpath_s(const TChar* path, TChar* drive, std::size_t driveSize, TChar* dir, std::size_t dirSize, TChar* name,
+                  std::size_t nameSize, TChar* ext, std::size_t extSize);
+
+// ---- Finding names --------------------------------------------------------------------------------------------------
+
+/// Starts a search for names that match the pattern, which may hold "*" and "?" in its last step; fills in the first and gives
+/// a handle, or -1 if there is none. The search takes the directory as it stands now and delivers in ascending order of units.
+std::intptr_t _wfindfirst64i32(const TChar* pattern, _wfinddata64i32_t* data);
+/// Fills in the next name and gives 0, or -1 if there is none left.
+int _wfindnext64i32(std::intptr_t find, _wfinddata64i32_t* data);
+/// Ends the search. Gives 0.
+int _findclose(std::intptr_t find);
+
+// ---- Environment ----------------------------------------------------------------------------------------------------
+
 /// Copies the value of an environment variable, its terminator included, into `buffer` of `size` units; `*required` is
 /// the size it takes, 0 if the variable is not set. Gives 0, or an error number if it did not fit.
 int _wgetenv_s(std::size_t* required, TChar* buffer, std::size_t size, const TChar* name);

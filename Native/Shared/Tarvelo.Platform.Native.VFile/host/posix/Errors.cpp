@@ -1,5 +1,4 @@
 #include <cerrno>
-#include <cstring>
 #include <sys/stat.h>
 
 #include "host/posix/PosixNames.h"
@@ -55,13 +54,9 @@ std::uint32_t ErrorFromErrno(int error) {
 std::uint32_t ErrorFromErrno(int error, const NativeName& name) {
   if (error != ENOENT) return ErrorFromErrno(error);
   char parent[PATH_MAX];
-  std::memcpy(parent, name.Text(), name.Length() + 1);
-  char* end = parent + name.Length();
-  while (end > parent && end[-1] == '/') --end;
-  while (end > parent && end[-1] != '/') --end;
-  *end = '\0';
+  DirectoryOf(name.Text(), parent);
   struct stat status;
-  const bool parentExists = end == parent || stat(parent, &status) == 0;
+  const bool parentExists = stat(parent, &status) == 0;
   return parentExists ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
 }
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <string>
 
 #include "host/Utf8.h"
@@ -38,6 +39,16 @@ NativeName::NativeName(const TChar* name) {
     left -= used;
   }
   text_[length_] = '\0';
+}
+
+std::string_view DirectoryOf(const char* name, char (&directory)[PATH_MAX]) {
+  std::string_view last(name);
+  while (last.size() > 1 && last.back() == '/') last.remove_suffix(1);
+  const std::size_t separator = last.rfind('/');
+  const std::size_t length = separator == std::string_view::npos ? 0 : separator + 1;
+  const std::string_view parent = length == 0 ? "." : last.substr(0, length);
+  *std::copy(parent.begin(), parent.end(), directory) = '\0';
+  return last.substr(length);
 }
 
 std::size_t UnitsFromNative(TChar* units, std::size_t size, const char* bytes, std::size_t length) {

@@ -4,66 +4,19 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "host/posix/PosixNames.h"
+#include "host/posix/Descriptor.h"
 
 namespace host {
-namespace {
 
-using posix::ErrorFromErrno;
-using posix::NativeName;
-
-/// An opened descriptor that is closed again unless it is released.
-class Descriptor {
- public:
-  explicit Descriptor(int value) : value_(value) {}
-  ~Descriptor() {
-    if (value_ >= 0) close(value_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  int Get() const { return value_; }
-  int Release() {
-    const int value = value_;
-    value_ = -1;
-    return value;
-  }
-
- private:
-  int value_;
-};
-
-HANDLE Refuse(std::uint32_t error) {
-  SetLastError(error);
-  return INVALID_HANDLE_VALUE;
-}
-
-/// `open`, repeated where a signal interrupted it. Descriptors do not survive into another program.
-int OpenOnce(const NativeName& name, int flags, mode_t mode) {
+int posix::OpenOnce(const char* name, int flags, mode_t mode) {
   int descriptor;
   do {
-    descriptor = open(name.Text(), flags | O_CLOEXEC | O_NOCTTY, mode);
+    descriptor = open(name, flags | O_CLOEXEC | O_NOCTTY, mode);
   } while (descriptor < 0 && errno == EINTR);
   return descriptor;
 }
 
-/// Opens or creates by the disposition and tells which it was. The last round, which creates without insisting, serves a
-/// link to a name that does not exist.
-int OpenByDisposition(const NativeName& name, int access, std::uint32_t disposition, bool& existed) {
-  constexpr mode_t kMode = 0666;
-  existed = disposition == OPEN_EXISTING;
-  if (existed) return OpenOnce(name, access, 0);
-  const int created = OpenOnce(name, access | O_CREAT | O_EXCL, kMode);
-  if (created >= 0 || disposition == CREATE_NEW || errno != EEXIST) return created;
-  existed = true;
-  const int opened = OpenOnce(name, access, 0);
-  if (opened >= 0 || errno != ENOENT) return opened;
-  existed = false;
-  return OpenOnce(name, access | O_CREAT, kMode);
-}
-
-/// Takes the lock that the sharing asks for. A file system or device that has no locks grants.
-bool LockForSharing(int descriptor, std::uint32_t share) {
+bool posix::LockForSharing(int descriptor, std::uint32_t share) {
   const int operation = ((share & FILE_SHARE_READ) != 0 ? LOCK_SH : LOCK_EX) | LOCK_NB;
   int result;
   do {
@@ -72,11 +25,46 @@ bool LockForSharing(int descriptor, std::uint32_t share) {
   return result == 0 || errno != EWOULDBLOCK;
 }
 
+std::uint32_t posix::ErrorOfEndingSeparator(const NativeName& name, std::uint32_t existing) {
+  if (!name.EndsInSeparator()) return ERROR_SUCCESS;
+  struct stat status;
+  const bool directory = stat(name.Text(), &status) == 0 && S_ISDIR(status.st_mode);
+  return directory ? existing : ERROR_INVALID_NAME;
+}
+
+namespace {
+
+using posix::Descriptor;
+using posix::ErrorFromErrno;
+using posix::LockForSharing;
+using posix::NativeName;
+using posix::OpenOnce;
+
+HANDLE Refuse(std::uint32_t error) {
+  SetLastError(error);
+  return INVALID_HANDLE_VALUE;
+}
+
+/// Opens or creates by the disposition and tells which it was. The last round, which creates without insisting, serves a
+/// link to a name that does not exist.
+int OpenByDisposition(const NativeName& name, int access, std::uint32_t disposition, bool& existed) {
+  constexpr mode_t kMode = 0666;
+  existed = disposition == OPEN_EXISTING;
+  if (existed) return OpenOnce(name.Text(), access, 0);
+  const int created = OpenOnce(name.Text(), access | O_CREAT | O_EXCL, kMode);
+  if (created >= 0 || disposition == CREATE_NEW || errno != EEXIST) return created;
+  existed = true;
+  const int opened = OpenOnce(name.Text(), access, 0);
+  if (opened >= 0 || errno != ENOENT) return opened;
+  existed = false;
+  return OpenOnce(name.Text(), access | O_CREAT, kMode);
+}
+
 /// A file that lives as long as its handle: made under its name, which proves that nobody else has it, and at once
 /// without one.
 HANDLE CreateUnnamed(const NativeName& name, int access) {
-  Descriptor file(OpenOnce(name, access | O_CREAT | O_EXCL | O_NOFOLLOW, 0600));
-  if (file.Get() < 0) return Refuse(ErrorFromErrno(errno, name));
+  Descriptor file(OpenOnce(name.Text(), access | O_CREAT | O_EXCL | O_NOFOLLOW, 0600));
+  if (!file.IsOpen()) return Refuse(ErrorFromErrno(errno, name));
   if (unlink(name.Text()) != 0) return Refuse(ErrorFromErrno(errno, name));
   SetLastError(ERROR_SUCCESS);
   return HandleFromDescriptor(file.Release());
@@ -89,12 +77,9 @@ HANDLE CreateFileW(const TChar* name, std::uint32_t access, std::uint32_t share,
   const NativeName native(name);
   if (native.Error() != 0) return Refuse(native.Error());
   if (disposition < CREATE_NEW || disposition > OPEN_ALWAYS) return Refuse(ERROR_INVALID_PARAMETER);
-  if (native.EndsInSeparator()) {
-    struct stat status;
-    const bool directory = stat(native.Text(), &status) == 0 && S_ISDIR(status.st_mode);
-    if (!directory) return Refuse(ERROR_INVALID_NAME);
-    return Refuse(disposition == CREATE_NEW ? ERROR_FILE_EXISTS : ERROR_ACCESS_DENIED);
-  }
+  const std::uint32_t existing = disposition == CREATE_NEW ? ERROR_FILE_EXISTS : ERROR_ACCESS_DENIED;
+  const std::uint32_t ending = posix::ErrorOfEndingSeparator(native, existing);
+  if (ending != ERROR_SUCCESS) return Refuse(ending);
   const bool writes = (access & GENERIC_WRITE) != 0;
   // A file is emptied through its descriptor, which has to be writable for that.
   const bool writable = writes || disposition == CREATE_ALWAYS;
@@ -103,13 +88,12 @@ HANDLE CreateFileW(const TChar* name, std::uint32_t access, std::uint32_t share,
 
   bool existed = false;
   Descriptor file(OpenByDisposition(native, mode, disposition, existed));
-  if (file.Get() < 0) return Refuse(ErrorFromErrno(errno, native));
+  if (!file.IsOpen()) return Refuse(ErrorFromErrno(errno, native));
   struct stat status;
   if (fstat(file.Get(), &status) != 0) return Refuse(ErrorFromErrno(errno));
   if (S_ISDIR(status.st_mode)) return Refuse(ERROR_ACCESS_DENIED);
   const bool emptied = existed && disposition == CREATE_ALWAYS;
-  const bool readOnly = existed && S_ISREG(status.st_mode) && (status.st_mode & 0222) == 0;
-  if (readOnly && (writes || emptied)) return Refuse(ERROR_ACCESS_DENIED);
+  if (existed && posix::IsReadOnlyFile(status) && (writes || emptied)) return Refuse(ERROR_ACCESS_DENIED);
   if (!LockForSharing(file.Get(), share)) return Refuse(ERROR_SHARING_VIOLATION);
   if (emptied && S_ISREG(status.st_mode) && ftruncate(file.Get(), 0) != 0) return Refuse(ErrorFromErrno(errno));
   // Advice alone: a system that does not take it reads as well.

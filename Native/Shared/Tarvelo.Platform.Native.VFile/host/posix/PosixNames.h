@@ -3,6 +3,7 @@
 #pragma once
 
 #include <climits>
+#include <string_view>
 
 #include "host/Host.h"
 
@@ -32,9 +33,18 @@ class NativeName {
   std::uint32_t error_ = 0;
 };
 
+/// Whether the unit separates the steps of a name.
+constexpr bool IsSeparator(TChar unit) { return unit == '\\' || unit == '/'; }
+/// The length of what looks like a drive at the start of a name, an ASCII letter and a colon, or 0.
+std::size_t DriveLength(const TChar* name);
+
 /// Converts `length` bytes that the system gave to units, without terminator, at most `size` of them; gives the number
 /// that the whole text takes. Bytes that are no UTF-8 become U+DC00 plus the byte.
 std::size_t UnitsFromNative(TChar* units, std::size_t size, const char* bytes, std::size_t length);
+
+/// Writes the directory of the name, "." if it has none, into `directory`, and gives the last step of the name, without
+/// separators.
+std::string_view DirectoryOf(const char* name, char (&directory)[PATH_MAX]);
 
 /// The Win32 number of an `errno`.
 std::uint32_t ErrorFromErrno(int error);

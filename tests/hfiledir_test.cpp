@@ -1,0 +1,135 @@
+#include "hfile/HFileDir.h"
+
+#include <gtest/gtest.h>
+
+#include "host/Host.h"
+#include "support/Files.h"
+#include "support/Halts.h"
+#include "support/Process.h"
+
+namespace {
+
+struct Walks : support::InDirectory {
+  /// The names that match, each with a comma.
+  std::string Matching(const std::string& pattern) const {
+    HFileDir dir;
+    std::string names;
+    TChar name[261];
+    const TString start = Name("");
+    for (bool found = dir.FindFirst(name, 261, Name(pattern).c_str()); found; found = dir.FindNext(name, 261)) {
+      EXPECT_TRUE(TString(name).starts_with(start));
+      names += std::filesystem::path(name + start.size()).string() + ",";
+    }
+    EXPECT_TRUE(name[0] == 0 && !dir.FindNext(name, 261));
+    return names;
+  }
+};
+
+TEST_F(Walks, PatternsMatchWholeNamesInOrder) {
+  for (const char* name :
+       {"a", "ab.txt", "abc.txt", "aXbXc", ".hid", "B.TXT", "x*y", "two.t.x", "_", "\xC3\xA4\xF0\x9F\x98\x80"}) {
+    Put(name, "");
+  }
+  std::filesystem::create_directory(Path("dir"));
+  const std::string all = ".hid,B.TXT,_,a,aXbXc,ab.txt,abc.txt,dir,two.t.x,x*y,\xC3\xA4\xF0\x9F\x98\x80,";
+  // "." and ".." come out as the directory and its parent, which have no place in a listing of it.
+  const std::pair<const char*, std::string> rows[] = {{"*.txt", "ab.txt,abc.txt,"},
+                                                      {"*.TXT", "B.TXT,"},
+                                                      {"a?c.*", "abc.txt,"},
+                                                      {"a*", "a,aXbXc,ab.txt,abc.txt,"},
+                                                      {"a*b*c", "aXbXc,"},
+                                                      {"*a*b*c*", "aXbXc,abc.txt,"},
+                                                      {"?X*", "aXbXc,"},
+                                                      {"\xC3\xA4?", "\xC3\xA4\xF0\x9F\x98\x80,"},
+                                                      {"???*x", "two.t.x,"},
+                                                      {"*.t.*", "two.t.x,"},
+                                                      {".h*", ".hid,"},
+                                                      {"a??", ""},
+                                                      {"dir", "dir,"},
+                                                      {"x*y", "x*y,"},
+                                                      {"*?y", "x*y,"},
+                                                      {"none*", ""},
+                                                      {"dir\\*z", ""},
+                                                      {"none/*", ""},
+                                                      {"a/*", ""},
+                                                      {"d*r/*", ""},
+                                                      {"dir/", ""},
+                                                      {"*.h?d", ".hid,"}};
+  for (const auto& [pattern, names] : rows) {
+    EXPECT_EQ(Matching(pattern), names) << pattern;
+  }
+  for (const char* every : {"*", "*.*", "**", "dir/../*.*"}) {
+    HFileDir dir(Name(every).c_str());
+    TChar name[261];
+    std::string names;
+    while (dir.FindNext(name, 261)) names += std::filesystem::path(name).filename().string() + ",";
+    const std::string own = Directory().filename().string(), parent = Directory().parent_path().filename().string();
+    EXPECT_EQ(names, own + "," + parent + "," + all) << every;
+  }
+  host::_wfinddata64i32_t record;
+  for (const TChar* bad : {TSTR(""), static_cast<const TChar*>(nullptr)})
+    EXPECT_EQ(host::_wfindfirst64i32(bad, &record), -1);
+}
+
+TEST_F(Walks, RelativePatternsAndWhatLooksLikeADrive) {
+  support::InChild([this] {
+    std::filesystem::current_path(Directory());
+    Put("c:one", ""), Put("c:two", ""), Put("cat", "");
+    for (const TChar* pattern : {TSTR("c:*"), TSTR("c:*.*"), TSTR("c:?*")}) {
+      HFileDir dir(pattern);
+      TChar name[261];
+      for (const char* expected : {"c:one", "c:two"}) {
+        EXPECT_TRUE(dir.FindNext(name, 261) && name == Name(expected));
+      }
+      EXPECT_FALSE(dir.FindNext(name, 261));
+    }
+  });
+}
+
+TEST_F(Walks, AreInOneOfFourStates) {
+  for (const char* name : {"n1", "n2", "n3"}) Put(name, "");
+  TChar name[261] = TSTR("x");
+  HFileDir idle;
+  EXPECT_TRUE(!idle.FindNext(name, 261) && name[0] == 0 && idle.Count() == 0);
+  HFileDir dir(Name("n?").c_str());
+  Put("n0", "");
+  EXPECT_TRUE(dir.Count() == 0 && !dir.FindNext(nullptr, 0));
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_TRUE(dir.FindNext(name, 261) && TString(name).back() == '0' + i && dir.Count() == i + 1);
+    if (i == 1) std::filesystem::remove(Path("n2")), Put("n9", "");
+    EXPECT_TRUE(!dir.FindNext(nullptr, 261) && dir.Count() == i + 1);
+  }
+  for (int i = 0; i < 2; ++i) EXPECT_TRUE(!dir.FindNext(name, 261) && name[0] == 0 && dir.Count() == 4);
+  // A name that does not fit is cut, and the walk goes on.
+  EXPECT_TRUE(dir.FindFirst(name, 5, Name("n*").c_str()) && TString(name) == Name("n0").substr(0, 4));
+  EXPECT_TRUE(dir.FindNext(name, 261) && name == Name("n1") && dir.Count() == 2);
+  dir.Start(Name("none").c_str());
+  EXPECT_TRUE(dir.Count() == 0 && !dir.FindNext(name, 261) && name[0] == 0 && dir.Count() == 0);
+  for (const TChar* none : {TSTR(""), static_cast<const TChar*>(nullptr)}) {
+    EXPECT_TRUE(dir.FindFirst(name, 261, Name("n*").c_str()));
+    dir.Start(none);
+    EXPECT_TRUE(dir.Count() == 0 && !dir.FindNext(name, 261));
+  }
+  EXPECT_TRUE(dir.FindFirst(name, 261, Name("n*").c_str()) && !dir.FindFirst(nullptr, 261, Name("n*").c_str()));
+  EXPECT_TRUE(dir.Count() == 0 && !dir.FindNext(name, 261));
+  dir.Start(Name("n*").c_str());
+  EXPECT_ASSERTION("HFile", dir.FindNext(name, 0));
+}
+
+TEST_F(Walks, ReachEveryOneOfThousands) {
+  constexpr int kNames = 5000;
+  for (int i = 0; i < kNames; ++i) Put("f" + std::to_string(i) + (i % 2 == 0 ? "\xFF" : "\xC3\xA4"), "x");
+  HFileDir dir;
+  TChar name[261];
+  int reached = 0;
+  TString last;
+  for (bool found = dir.FindFirst(name, 261, Name("f*").c_str()); found; found = dir.FindNext(name, 261)) {
+    EXPECT_LT(last, name);
+    last = name;
+    const HANDLE file = host::CreateFileW(name, host::GENERIC_READ, 0, host::OPEN_EXISTING, 0);
+    if (file != INVALID_HANDLE_VALUE && host::GetFileSize(file) == 1 && host::CloseHandle(file)) ++reached;
+  }
+  EXPECT_TRUE(reached == kNames && dir.Count() == kNames);
+}
+
+}  // namespace

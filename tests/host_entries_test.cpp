@@ -1,0 +1,172 @@
+#include <csignal>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
+
+#include "host/Host.h"
+#include "support/Files.h"
+#include "support/Process.h"
+
+namespace {
+
+using namespace host;
+namespace fs = std::filesystem;
+
+struct Entries : support::InDirectory {
+  Entries() {
+    fs::create_directory(Path("dir"));
+    Put("file", "content"), Put("old", "old"), Put("locked", "locked"), Put("dir/inner", "inner");
+    chmod(Path("locked").c_str(), 0444);
+    fs::create_symlink("nowhere", Path("dangling"));
+    fs::create_hard_link(Path("file"), Path("same"));
+  }
+
+  std::uint32_t Copy(const std::string& from, const std::string& to, bool failIfExists) const {
+    return CopyFileW(Full(from).c_str(), Full(to).c_str(), failIfExists) ? 0 : GetLastError();
+  }
+  std::uint32_t Move(const std::string& from, const std::string& to) const {
+    return MoveFileW(Full(from).c_str(), Full(to).c_str()) ? 0 : GetLastError();
+  }
+  std::uint32_t Delete(const std::string& name) const { return DeleteFileW(Full(name).c_str()) ? 0 : GetLastError(); }
+  /// The names in the directory and what is in its files.
+  std::string Listing() const {
+    std::string listing;
+    for (const char* name : {"file", "old", "locked", "same", "new"}) listing += Content(name) + ",";
+    return listing + std::to_string(std::distance(fs::directory_iterator(Directory()), {}));
+  }
+  /// An empty name stays one.
+  TString Full(const std::string& name) const {
+    return name.empty() || name[0] == '/' ? TString(name.begin(), name.end()) : Name(name);
+  }
+
+  const std::string before = "content,old,locked,content,,6";
+};
+
+// What does not work, and leaves all as it was: for a copy that spares the target, one that replaces it, and a move.
+TEST_F(Entries, RefusalsTellTheReason) {
+  const struct {
+    const char *from, *to;
+    std::uint32_t spare, replace, move;
+  } rows[] = {{"none", "new", 2, 2, 2},
+              {"none", "old", 2, 2, 2},
+              {"no/x", "new", 3, 3, 3},
+              {"file/x", "new", 3, 3, 3},
+              {"file", "no/x", 3, 3, 3},
+              {"file", "old/x", 3, 3, 3},
+              {"", "new", 3, 3, 3},
+              {"file", "", 3, 3, 3},
+              {"dir", "new", 5, 5, 0},
+              {"file", "dir", 80, 5, 183},
+              {"file", "dir/", 80, 5, 183},
+              {"file", "locked", 80, 5, 183},
+              {"file", "file", 80, 32, 0},
+              {"file", "dir/../file", 80, 32, 0},
+              {"file", "same", 80, 32, 183},
+              {"file", "new/", 123, 123, 3},
+              {"file/", "new", 123, 123, 3},
+              {"file", "old", 80, 0, 183},
+              {"file", "dangling", 80, 0, 183}};
+  for (const auto& [from, to, spare, replace, move] : rows) {
+    EXPECT_EQ(Copy(from, to, true), spare) << from << " to " << to;
+    EXPECT_TRUE(replace == 0 || Copy(from, to, false) == replace) << from << " to " << to << GetLastError();
+    EXPECT_TRUE(from == std::string("dir") || Move(from, to) == move) << from << " to " << to << GetLastError();
+    ASSERT_EQ(Listing(), before) << from << " to " << to;
+  }
+  const std::pair<const char*, std::uint32_t> names[] = {{"none", 2}, {"no/x", 3},   {"file/x", 3}, {"dir", 5},
+                                                         {"dir/", 5}, {"locked", 5}, {"", 3},       {"file/", 123}};
+  for (const auto& [name, error] : names) EXPECT_EQ(Delete(name), error) << name;
+  EXPECT_EQ(Listing(), before);
+}
+
+TEST_F(Entries, CopiesAreCompleteAndMovesKeepTheEntry) {
+  std::string large;
+  for (int i = 0; i < 300000; ++i) large += static_cast<char>(i * 7 % 251);
+  Put("file", large);
+  fs::create_symlink("old", Path("link"));
+  const timespec times[] = {{5, 0}, {1000000000, 123456789}};
+  EXPECT_TRUE(chmod(Path("file").c_str(), 04640) == 0 && utimensat(AT_FDCWD, Path("file").c_str(), times, 0) == 0);
+  for (const char* to : {"new", "link", "dangling"}) {
+    EXPECT_TRUE(Copy("file", to, false) == 0 && Content(to) == large) << to;
+    struct stat status;
+    EXPECT_EQ(stat(Path(to).c_str(), &status), 0);
+    EXPECT_TRUE((status.st_mode & 07777) == 0640 && status.st_mtim.tv_sec == 1000000000 &&
+                status.st_mtim.tv_nsec == 123456789);
+  }
+  EXPECT_TRUE(Content("old") == large && fs::is_symlink(Path("link")));
+  // Files of the system that tell no size are copied as well.
+  EXPECT_TRUE(Copy("/proc/self/status", "status", true) == 0 && Content("status").starts_with("Name:"));
+  EXPECT_TRUE(Move("locked", "dir/moved") == 0 && Content("dir/moved") == "locked" && Move("dir", "other") == 0);
+  EXPECT_TRUE(Content("other/inner") == "inner" && Move("other", "old") == 183 && Move("old", "other") == 183);
+  EXPECT_TRUE(Delete("link") == 0 && Content("old") == large && Delete("same") == 0 && Content("file") == large);
+}
+
+TEST_F(Entries, FailedCopiesLeaveTheTargetAsItWas) {
+  Put("file", std::string(100000, 'x'));
+  const std::string all = Listing();
+  support::InChild([&] {
+    const rlimit limit = {70000, 70000};
+    EXPECT_TRUE(signal(SIGXFSZ, SIG_IGN) != SIG_ERR && setrlimit(RLIMIT_FSIZE, &limit) == 0);
+    EXPECT_TRUE(Copy("file", "new", true) == 112 && Copy("file", "new", false) == 112 &&
+                Copy("file", "old", false) == 112);
+  });
+  EXPECT_EQ(Listing(), all);
+  EXPECT_EQ(Copy("file", "/dev/full", false), 112u);
+  EXPECT_TRUE(fs::is_character_file("/dev/full") && Copy("file", "/dev/null", false) == 0 &&
+              fs::is_character_file("/dev/null"));
+}
+
+TEST_F(Entries, WhatIsOpenWithoutSharingIsLeftAlone) {
+  for (const std::uint32_t share : {0u, FILE_SHARE_READ}) {
+    const support::StoppedChild holder([&] {
+      return CreateFileW(Name("old").c_str(), GENERIC_READ, share, OPEN_EXISTING, 0) != INVALID_HANDLE_VALUE;
+    });
+    EXPECT_EQ(Copy("file", "old", false), 32u);
+    EXPECT_EQ(Copy("old", share == 0 ? "new" : "shared", true), share == 0 ? 32u : 0u);
+    EXPECT_TRUE(share != 0 || (Move("old", "new") == 32 && Delete("old") == 32 && Listing() == before));
+  }
+  EXPECT_TRUE(Content("shared") == "old" && Copy("file", "old", false) == 0 && Content("old") == "content");
+}
+
+// Many threads give one name at once: one of them gets it, and the files of the others are where they were.
+TEST_F(Entries, OneOfManyGetsAFreeName) {
+  constexpr std::size_t kThreads = 4;
+  for (int round = 0; round < 100; ++round) {
+    const auto from = [](std::size_t i) { return "from" + std::to_string(i); };
+    const auto content = [](std::size_t i) { return std::string(20000, static_cast<char>('a' + i)); };
+    std::atomic<std::size_t> ready = 0;
+    std::uint32_t errors[kThreads];
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < kThreads; ++i) Put(from(i), content(i));
+    for (std::size_t i = 0; i < kThreads; ++i) {
+      threads.emplace_back([&, i] {
+        for (++ready; ready < kThreads;) continue;
+        errors[i] = i % 2 == 0 ? Move(from(i), "to") : Copy(from(i), "to", true);
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(std::count(errors, errors + kThreads, 0u), 1);
+    for (std::size_t i = 0; i < kThreads; ++i) {
+      EXPECT_TRUE(errors[i] == 0 ? Content("to") == content(i) : errors[i] == (i % 2 == 0 ? 183u : 80u));
+      EXPECT_EQ(Content(from(i)), errors[i] == 0 && i % 2 == 0 ? "" : content(i));
+    }
+    fs::remove(Path("to"));
+  }
+  EXPECT_LE(std::distance(fs::directory_iterator(Directory()), {}), 6 + static_cast<int>(kThreads));
+}
+
+TEST_F(Entries, FilesMoveToAnotherFileSystem) {
+  struct stat here, there;
+  if (stat(Directory().c_str(), &here) != 0 || stat("/dev/shm", &there) != 0 || here.st_dev == there.st_dev)
+    GTEST_SKIP();
+  const std::string far = "/dev/shm/" + Directory().filename().string();
+  chmod(Path("file").c_str(), 0600);
+  EXPECT_TRUE(Move("file", far) == 0 && !fs::exists(Path("file")) && Move("old", far) == 183 &&
+              Content("old") == "old");
+  EXPECT_TRUE(Move("dir", far + "d") == 17 && fs::exists(Path("dir/inner")) && !fs::exists(far + "d"));
+  EXPECT_TRUE(Move("dangling", far + "d") == 17 && Move(far, "back") == 0 && Content("back") == "content" &&
+              !fs::exists(far));
+}
+
+}  // namespace
