@@ -1,0 +1,70 @@
+// lines: prints lines FIRST to LAST of a file of up to 2^31-1 bytes, each with its number and its indent, and tells how many
+// lines there are if that is fewer. The file does not have to fit into memory, nor does a line.
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "Texts.h"
+#include "vfile/VFile.h"
+
+namespace {
+
+/// Prints the bytes as they are.
+void Print(VFile& text, std::int32_t start, std::int32_t count) {
+  char piece[1024];
+  for (text.SetPos(start); count > 0;) {
+    const std::int32_t got = text.ReadBytes(piece, std::min(count, std::int32_t{sizeof piece}));
+    std::fwrite(piece, 1, static_cast<std::size_t>(got), stdout);
+    count -= got;
+  }
+}
+
+/// Gives the number of lines up to `last`, or of all. A line end at the end of the file begins no further line here.
+std::int32_t PrintLines(VFile& text, std::int32_t first, std::int32_t last) {
+  std::int32_t number = 0;
+  for (std::int32_t at = 0; at < text.Length() && number < last;) {
+    std::int32_t start;
+    std::int32_t size;
+    std::int32_t eolSize;
+    text.LineSize(at, start, size, eolSize);
+    if (++number >= first) {
+      std::printf("%9d %3d  ", number, text.LineIndent(start));
+      Print(text, start, size - eolSize);
+      std::putchar('\n');
+    }
+    at = start + size;
+  }
+  return number;
+}
+
+/// 0 if it is no number above 0.
+std::int32_t NumberOf(const char* text) {
+  char* end;
+  const long number = std::strtol(text, &end, 10);
+  return *end == '\0' && number > 0 && number <= INT32_MAX ? static_cast<std::int32_t>(number) : 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::int32_t first = argc > 2 ? NumberOf(argv[2]) : 1;
+  const std::int32_t last = argc > 3 ? NumberOf(argv[3]) : argc > 2 ? first : INT32_MAX;
+  if (argc < 2 || argc > 4 || first == 0 || last < first) {
+    std::fputs("usage: lines FILE [FIRST [LAST]]\n", stderr);
+    return 2;
+  }
+  try {
+    VFile::SetMaxCacheSize(1024);
+    VFile text;
+    text.Load(UnitsOf(argv[1]).c_str(), FILE_SHARE_READ);
+    Check(text.res, argv[1]);
+    const std::int32_t lines = PrintLines(text, first, last);
+    if (lines < last && argc > 2) std::fprintf(stderr, "lines: %s has %d lines\n", argv[1], lines);
+    return lines < first && argc > 2 ? 1 : 0;
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "lines: %s\n", failure.what());
+    return 1;
+  }
+}
