@@ -1,5 +1,8 @@
 /// @file
-/// A file of the host: open and create, transfer, position.
+/// The class HFile.
+
+/// @class HFile
+/// A file of the host: open and create, transfer, position; names, and files by name.
 ///
 ///     HFile file;
 ///     file.Create(TSTR("numbers"), true);
@@ -45,10 +48,13 @@ class VFILE_API HFile {
   HFile(const HFile&) = delete;
   HFile& operator=(const HFile&) = delete;
 
-  // Opening. All give whether they succeeded. On an open object they are `resCallError` and leave the open file untouched;
-  // a refusal of the host is its error as a code, such as `resNotFound`, and leaves the object closed. All but
-  // `OpenSeqRead` are exclusive: nobody else can open the file meanwhile. `overwrite` replaces an existing file by an empty
-  // one; without it an existing file is `resAlreadyExists`.
+  /// @name Opening
+  ///
+  /// All give whether they succeeded. On an open object they are `resCallError` and leave the open file untouched; a refusal of
+  /// the host is its error as a code, such as `resNotFound`, and leaves the object closed. All but `OpenSeqRead` are exclusive:
+  /// nobody else can open the file meanwhile. `overwrite` replaces an existing file by an empty one; without it an existing file
+  /// is `resAlreadyExists`.
+  /// @{
 
   /// Opens an existing file for random reading and writing.
   bool Open(const TChar* name);
@@ -62,10 +68,14 @@ class VFILE_API HFile {
   bool CreateSeqWrite(const TChar* name, bool overwrite);
   /// Closes the file. Closed already: `resCallError`.
   void Close();
-  bool IsOpen() const;
+  bool IsOpen() const;  ///< Whether a file is open.
 
-  // Transfer at the position, which moves on. A negative count, or a null buffer with a positive one, is `resCallError`;
-  // so is a closed object. A count of 0 does nothing at all.
+  /// @}
+  /// @name Transfer
+  ///
+  /// At the position, which moves on. A negative count, or a null buffer with a positive one, is `resCallError`; so is a closed
+  /// object. A count of 0 does nothing at all.
+  /// @{
 
   /// Reads up to `count` bytes and gives how many. Fewer than asked set `eof` and are no failure.
   std::int32_t ReadBytes(void* buffer, std::int32_t count);
@@ -73,8 +83,14 @@ class VFILE_API HFile {
   void WriteBytes(const void* buffer, std::int32_t count);
   /// Writes the byte `ch` `count` times, 1024 to a call. A count below 1 does nothing.
   void Write(char ch, std::int32_t count);
+  void Write(signed char ch, std::int32_t count);    ///< The same.
+  void Write(unsigned char ch, std::int32_t count);  ///< The same.
 
-  // Position and length. On a closed object `resCallError` from the operations, 0 from the queries.
+  /// @}
+  /// @name Position and length
+  ///
+  /// On a closed object `resCallError` from the operations, 0 from the queries.
+  /// @{
 
   /// The position in bytes; 0 also where the host cannot tell it.
   std::int32_t GetPos() const;
@@ -93,11 +109,14 @@ class VFILE_API HFile {
   /// Has the host write its buffers for the file through to the device.
   void Flush();
 
-  // Values, text and numbers, each one `ReadBytes` or `WriteBytes` with its rules. Values go as their bytes lie, little-endian;
-  // at the end of the file the rest of a value stays as it was. Text is 8-bit characters up to a NUL, which is not written,
-  // and must not be null.
+  /// @}
+  /// @name Values
+  ///
+  /// Each is one `ReadBytes` or `WriteBytes`, with its rules. Values go as their bytes lie, little-endian; at the end of the file
+  /// the rest of a value stays as it was. `long` goes with the type of its width.
+  /// @{
 
-  void ReadByte(unsigned char& value);
+  void ReadByte(unsigned char& value);  ///< Reads the value at the position.
   void ReadChar(signed char& ch);
   void ReadChar(char& ch);
   void ReadChar(unsigned char& ch);
@@ -107,8 +126,19 @@ class VFILE_API HFile {
   void ReadDWord(unsigned int& value);
   void ReadQWord(long long& value);
   void ReadQWord(unsigned long long& value);
-
-  void WriteByte(unsigned char value);
+#if LONG_MAX > INT_MAX
+  void ReadQWord(long& value);
+  void ReadQWord(unsigned long& value);
+#else
+  void ReadDWord(long& value);
+  void ReadDWord(unsigned long& value);
+#endif
+  HFile& operator>>(signed char& ch);
+  HFile& operator>>(char& ch);
+  HFile& operator>>(unsigned char& ch);
+  /// @}
+  /// @{
+  void WriteByte(unsigned char value);  ///< Writes the value at the position.
   void WriteChar(signed char ch);
   void WriteChar(char ch);
   void WriteChar(unsigned char ch);
@@ -118,25 +148,24 @@ class VFILE_API HFile {
   void WriteDWord(unsigned int value);
   void WriteQWord(long long value);
   void WriteQWord(unsigned long long value);
-
-  // `long` goes with the type of its width.
 #if LONG_MAX > INT_MAX
-  void ReadQWord(long& value);
-  void ReadQWord(unsigned long& value);
   void WriteQWord(long value);
   void WriteQWord(unsigned long value);
 #else
-  void ReadDWord(long& value);
-  void ReadDWord(unsigned long& value);
   void WriteDWord(long value);
   void WriteDWord(unsigned long value);
 #endif
 
-  void Write(signed char ch, std::int32_t count);
-  void Write(unsigned char ch, std::int32_t count);
-  void Write(const char* text);
-  void WriteLn();  ///< CR LF, on every host.
+  /// @}
+  /// @name Text
+  ///
+  /// Text is 8-bit characters up to a NUL, which is not written, and must not be null.
+  /// @{
 
+  /// Writes the text, in one `WriteBytes`.
+  void Write(const char* text);
+  /// Writes CR LF, on every host.
+  void WriteLn();
   /// Reads up to `count` bytes at `position` as a terminated string into `buffer` of `size` bytes, cut to fit; gives the bytes
   /// read, and moves behind them. A position or count past the end is clamped. A null buffer, a size below 1 or a negative
   /// number is `resCallError`. Nothing, and 0, while a failure stands in `res`.
@@ -145,12 +174,10 @@ class VFILE_API HFile {
   /// Gives the characters stored: 0 for an empty line, and at the end of the file, with `eof`. `res` as in `ReadTxt`. Cost: a
   /// call to the host for each byte; a `VFile` reads lines faster.
   std::int32_t ReadLine(char* buffer, std::int32_t size);
-
-  HFile& operator>>(signed char& ch);  ///< `ReadChar`.
-  HFile& operator>>(char& ch);
-  HFile& operator>>(unsigned char& ch);
-
-  // Write, and give the object. A character goes out as itself; a number as text in base `radix`, with a minus sign in base 10.
+  /// @}
+  /// @{
+  /// Writes and gives the object. A character goes out as itself; a number as text in base `radix`, with a minus sign in
+  /// base 10.
   HFile& operator<<(signed char ch);
   HFile& operator<<(char ch);
   HFile& operator<<(unsigned char ch);
@@ -164,7 +191,11 @@ class VFILE_API HFile {
   HFile& operator<<(long long value);
   HFile& operator<<(unsigned long long value);
 
-  // ---- Names: as text; the disk is not asked ----
+  /// @}
+  /// @name Names
+  ///
+  /// As text: the disk is not asked.
+  /// @{
 
   /// Whether the unit separates the steps of a name: backslash or slash.
   static bool IsDirSep(TChar unit);
@@ -194,9 +225,11 @@ class VFILE_API HFile {
   /// buffer must hold two units more than the extension.
   static bool GetNextBackupExt(TChar* ext, std::uint32_t size);
 
-  // ---- Files by name ----
-  //
-  // The forms with `result` tell the outcome there as well: `resDone`, or the host's error as a code.
+  /// @}
+  /// @name Files by name
+  ///
+  /// The forms with `result` tell the outcome there as well: `resDone`, or the host's error as a code.
+  /// @{
 
   /// Whether there is a file or directory of that name. Halts for a null name.
   static bool Exists(const TChar* name);
@@ -209,16 +242,21 @@ class VFILE_API HFile {
   /// Copies a file, with its read-only state and the time of its last change. Without `overwrite` an existing target is
   /// `resAlreadyExists`. The target has all or nothing: a copy that fails leaves no part of it, and an old target as it was.
   static bool Copy(const TChar* source, const TChar* target, std::int32_t& result, bool overwrite);
+  /// The same, without the code.
   static bool Copy(const TChar* source, const TChar* target, bool overwrite);
   /// Renames or moves a file or directory. An existing `newName` is `resAlreadyExists`, also one that came into being just
   /// now; the own name is a success. A file moves to another file system as well, a directory does not.
   static bool Rename(const TChar* oldName, const TChar* newName, std::int32_t& result);
+  /// The same, without the code.
   static bool Rename(const TChar* oldName, const TChar* newName);
   /// Removes a file. A directory, a read-only file and one that is open without sharing are `resNoPermission`.
   static bool Remove(const TChar* name, std::int32_t& result);
+  /// The same, without the code.
   static bool Remove(const TChar* name);
 
-  // ---- Temporary files ----
+  /// @}
+  /// @name Temporary files
+  /// @{
 
   /// The directory for temporary files, with a separator at its end: the value of "TMP", else that of "TEMP", each if it is a
   /// directory that can be used, else the host's last resort. A buffer of 261 units holds each.
@@ -234,6 +272,10 @@ class VFILE_API HFile {
   static bool CreateTempFile(HFile& file, TChar* name, std::uint32_t size, const TChar* prefix, const TChar* ext,
                              const TChar* dir, bool seqWrite);
 
+  /// @}
+  /// @name Results
+  /// @{
+
   /// Writes the English text of a result code into `buffer` of `size` units, terminator included, cut to fit. It differs
   /// from `GetTextResMsg` in the text of `resHeapOverflow`.
   static void GetResMsg(TChar* buffer, std::uint32_t size, std::int32_t code);
@@ -241,6 +283,7 @@ class VFILE_API HFile {
   std::int32_t res;    ///< Result of the operations so far, see above.
   bool eof;            ///< Whether the last read asked for more bytes than there were.
   std::int32_t radix;  ///< Base of numbers written as text, 10 at first.
+                       /// @}
 
  private:
   void Init();
@@ -251,5 +294,6 @@ class VFILE_API HFile {
   HANDLE handle;  // owned; open exactly when it is not INVALID_HANDLE_VALUE
 };
 
+/// @relates HFile
 /// The `res` of a file as a code of this library: itself, or `resNotDone` if it is out of range.
 VFILE_API std::int32_t GetFileRes(const HFile& file);

@@ -1,4 +1,7 @@
 /// @file
+/// The class HFileDir.
+
+/// @class HFileDir
 /// The names in a directory that match a pattern, one at a time.
 ///
 ///     HFileDir dir;

@@ -10,18 +10,27 @@
 
 #include "host/Export.h"
 
+/// @{
+/// The greater of two values.
 VFILE_API std::int16_t MaxS(std::int16_t a, std::int16_t b);
-VFILE_API std::int16_t MinS(std::int16_t a, std::int16_t b);
-VFILE_API std::int16_t SignS(std::int16_t value);  ///< -1, 0 or 1, as all of these.
 VFILE_API std::int32_t Max(std::int32_t a, std::int32_t b);
-VFILE_API std::int32_t Min(std::int32_t a, std::int32_t b);
-VFILE_API std::int32_t Sign(std::int32_t value);
 VFILE_API std::int32_t MaxL(std::int32_t a, std::int32_t b);
-VFILE_API std::int32_t MinL(std::int32_t a, std::int32_t b);
-VFILE_API std::int32_t SignL(std::int32_t value);
 VFILE_API std::int64_t MaxQ(std::int64_t a, std::int64_t b);
+/// @}
+/// @{
+/// The lesser of two values.
+VFILE_API std::int16_t MinS(std::int16_t a, std::int16_t b);
+VFILE_API std::int32_t Min(std::int32_t a, std::int32_t b);
+VFILE_API std::int32_t MinL(std::int32_t a, std::int32_t b);
 VFILE_API std::int64_t MinQ(std::int64_t a, std::int64_t b);
+/// @}
+/// @{
+/// -1, 0 or 1.
+VFILE_API std::int16_t SignS(std::int16_t value);
+VFILE_API std::int32_t Sign(std::int32_t value);
+VFILE_API std::int32_t SignL(std::int32_t value);
 VFILE_API std::int64_t SignQ(std::int64_t value);
+/// @}
 /// `a` if it is greater than `b`, else `b`: also for equal values and a not-a-number.
 VFILE_API double MaxR(double a, double b);
 /// `a` if `b` is greater than it, else `b`: also for equal values and a not-a-number.

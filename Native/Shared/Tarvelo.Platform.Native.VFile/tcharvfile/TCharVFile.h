@@ -1,4 +1,7 @@
 /// @file
+/// The class TCharVFile.
+
+/// @class TCharVFile
 /// A virtual file as UTF-16 text.
 ///
 ///     TCharVFile text;
@@ -66,15 +69,18 @@ class VFILE_API TCharVFile : protected VFile {
   using VFile::ToggleFlag;
   using VFile::Type;
 
-  // ---- Position ----
+  /// @name Position
+  /// @{
 
-  std::int32_t GetTCharPos() const;
-  std::int32_t TCharLength() const;
-  void SetTCharPos(std::int32_t position);
+  std::int32_t GetTCharPos() const;         ///< The position in units.
+  std::int32_t TCharLength() const;         ///< The whole units of the text.
+  void SetTCharPos(std::int32_t position);  ///< Moves to `position`.
   /// Moves to `offset` units from the start (origin 0), the position (1) or the end (2).
   void SetTCharPos(std::int32_t offset, std::int32_t origin);
 
-  // ---- Reading ----
+  /// @}
+  /// @name Reading
+  /// @{
 
   /// The next unit. At the end it stays as it was; of a single last byte its low half is set. Both set `eof`.
   void ReadTChar(TChar& unit);
@@ -90,45 +96,51 @@ class VFILE_API TCharVFile : protected VFile {
   /// `resHeapOverflow`, or, while the string itself is built, the standard exception.
   TString ToString();
 
-  // ---- Editing ----
-  //
-  //   MEMBER                          PRIMITIVE   WHERE         TAKES OUT  DISPATCH
-  //   Insert...                       ReplaceBuf  the position  nothing    slot
-  //   Append...                       ReplaceBuf  the end       nothing    slot
-  //   ... of another text             ReplaceTxt  likewise      nothing    slot
-  //   DeleteTChars, TruncateTChars    ReplaceBuf  as said       as said    slot
-  //   ReplaceTChar                    ReplaceBuf  as said       a unit     own
-  //   operator=                       ReplaceBuf, ReplaceTxt    all        own
-  //
-  // The position ends behind the new units. Counts of a caller's units must be real: they are not clamped, and above 0x3FFFFFFF
-  // they are `resCallError`.
+  /// @}
+  /// @name Editing
+  ///
+  ///     MEMBER                          PRIMITIVE   WHERE         TAKES OUT  DISPATCH
+  ///     Insert...                       ReplaceBuf  the position  nothing    slot
+  ///     Append...                       ReplaceBuf  the end       nothing    slot
+  ///     ... of another text             ReplaceTxt  likewise      nothing    slot
+  ///     DeleteTChars, TruncateTChars    ReplaceBuf  as said       as said    slot
+  ///     ReplaceTChar                    ReplaceBuf  as said       a unit     own
+  ///     operator=                       ReplaceBuf, ReplaceTxt    all        own
+  ///
+  /// The position ends behind the new units. Counts of a caller's units must be real: they are not clamped, and above 0x3FFFFFFF
+  /// they are `resCallError`.
+  /// @{
 
-  void InsertTChar(TChar unit);
-  void InsertTChar(TChar unit, std::int32_t count);  ///< As `count` changes of a unit each.
+  void InsertTChar(TChar unit);                      ///< Inserts at the position.
+  void InsertTChar(TChar unit, std::int32_t count);  ///< The same, as `count` changes of a unit each.
   void InsertTChars(const TChar* units, std::int32_t count);
   void InsertTChars(const TString& units, std::int32_t count);
   void InsertTStr(const TChar* text);
   void InsertTStr(const TString& text);
   void InsertTChars(const TCharVFile& source, std::int32_t first, std::int32_t len);
-
-  void AppendTChar(TChar unit);
+  /// @}
+  /// @{
+  void AppendTChar(TChar unit);  ///< Appends.
   void AppendTChar(TChar unit, std::int32_t count);
   void AppendTChars(const TChar* units, std::int32_t count);
   void AppendTChars(const TString& units, std::int32_t count);
   void AppendTStr(const TChar* text);
   void AppendTStr(const TString& text);
   void AppendTChars(const TCharVFile& source, std::int32_t first, std::int32_t len);
-
+  /// @}
+  /// @{
   void DeleteTChars(std::int32_t start, std::int32_t count);  ///< Takes out `count` units from `start` on.
   void TruncateTChars();                                      ///< Takes out all from the position to the end.
   void ReplaceTChar(std::int32_t position, TChar unit);       ///< Replaces a unit; at the end it appends.
-
-  TCharVFile& operator=(TChar unit);
+  /// @}
+  /// @{
+  TCharVFile& operator=(TChar unit);  ///< Makes it the whole content.
   TCharVFile& operator=(const TChar* text);
   TCharVFile& operator=(const TString& text);
   TCharVFile& operator=(const TCharVFile& source);
-
-  // Insert at the position, through the slot, whatever `vfInsert` says. A number goes in as text in base `radix`, as in `VFile`.
+  /// @}
+  /// @{
+  /// Inserts at the position, through the slot, whatever `vfInsert` says. A number goes in as text in base `radix`, as in `VFile`.
   TCharVFile& operator<<(TChar unit);
   TCharVFile& operator<<(const TChar* text);
   TCharVFile& operator<<(const TString& text);
@@ -146,20 +158,30 @@ class VFILE_API TCharVFile : protected VFile {
   TCharVFile& operator<<(char) = delete;
   TCharVFile& operator<<(unsigned char) = delete;
 
-  // ---- Search: as in `VFile`, by units ----
-  //
-  // `ignoreCase` folds the ASCII letters alone; `wholeWord` wants no `iswalnum` unit next to the match. A call that ends before it
-  // moves (a negative `pos`, an empty text) does not look at the thread.
+  /// @}
+  /// @name Search
+  ///
+  /// As in `VFile`, by units. `ignoreCase` folds the ASCII letters alone; `wholeWord` wants no `iswalnum` unit next to the match. A call that ends before it
+  /// moves (a negative `pos`, an empty text) does not look at the thread.
+  /// @{
 
+  /// Finds the first match that begins at `position` or behind it. Found: `position` becomes the position behind it.
   bool FindTChars(std::int32_t& position, const TChar* text, bool ignoreCase, bool wholeWord);
   bool FindTChars(std::int32_t& position, const TString& text, bool ignoreCase, bool wholeWord);
+  /// @}
+  /// @{
+  /// Finds the last match that ends at `position` or before it. Found: `position` becomes its start.
   bool FindBackTChars(std::int32_t& position, const TChar* text, bool ignoreCase, bool wholeWord);
   bool FindBackTChars(std::int32_t& position, const TString& text, bool ignoreCase, bool wholeWord);
+  /// @}
+  /// @{
   /// Replaces every match in the text by a change of `VFile`'s own; gives the number replaced. An empty `oldText` is
   /// `resCallError`.
   std::int32_t ReplaceGlobalTChars(const TChar* oldText, const TChar* newText, bool ignoreCase, bool wholeWord);
 
-  // ---- Text files ----
+  /// @}
+  /// @name Text files
+  /// @{
 
   /// Replaces the content by that of a text file, as UTF-16 without its mark, and moves to its start, whatever stands in `res`.
   ///
@@ -177,7 +199,8 @@ class VFILE_API TCharVFile : protected VFile {
   void LoadText(const TChar* fileName, std::uint32_t shareMode);
   void LoadText(const TString& fileName, Encoding& encoding, std::uint32_t shareMode);
   void LoadText(const TString& fileName, std::uint32_t shareMode);
-
+  /// @}
+  /// @{
   /// Writes the text to a file of that name, whatever stands in `res`, with a mark if `withBom` asks for one and the form has one.
   /// Any value but the three UTF forms is ANSI. `overwrite` replaces an existing file; without it that is `resAlreadyExists`.
   ///
@@ -187,6 +210,7 @@ class VFILE_API TCharVFile : protected VFile {
   /// Memory: `encUtf16` streams; the other forms hold the text, UTF-8 and ANSI its bytes as well.
   void SaveText(const TChar* fileName, bool overwrite, Encoding encoding, bool withBom);
   void SaveText(const TString& fileName, bool overwrite, Encoding encoding, bool withBom);
+  /// @}
 
  private:
   void InsertAt(std::int32_t position, const TChar* units, std::int32_t count);

@@ -1,4 +1,7 @@
 /// @file
+/// The class VFile.
+
+/// @class VFile
 /// An editable byte file of up to 2^31-1 bytes that lives outside process memory.
 ///
 ///     VFile text;
@@ -30,8 +33,8 @@
 ///
 /// Sections of the class, each in the file of its name: life and settings (VFile.cpp), position (Position.cpp), reading
 /// (Reading.cpp), the five primitives of change (Replace.cpp), editing (Editing.cpp), operators (Operators.cpp), flags and
-/// hooks (Flags.cpp), search (Search.cpp), lines (Lines.cpp), transfer (Transfer.cpp); the relational operators stand below
-/// the class (Comparison.cpp). Inside: the chain (Chain.cpp), the walk (Walk.cpp), the
+/// hooks (Flags.cpp), search (Search.cpp), lines (Lines.cpp), transfer (Transfer.cpp); the relational operators stand in
+/// vfile/Comparison.h. Inside: the chain (Chain.cpp), the walk (Walk.cpp), the
 /// scratch buffer (Scratch.cpp), the engine of change (Change.cpp), const reading (ConstReading.cpp), the values of the
 /// thread (ThreadValues.cpp).
 #pragma once
@@ -45,6 +48,7 @@
 #include "host/Unit.h"
 #include "hsys/Res.h"
 #include "vfile/Blocks.h"
+#include "vfile/Comparison.h"
 
 class BlkPool;
 class VMem;
@@ -54,36 +58,45 @@ class Comparison;
 
 class VFILE_API VFile {
  public:
-  // ---- Life ----
+  /// @name Life
+  /// @{
 
   /// An empty file. The thread's first makes its `VMem`; it costs a page only when bytes come in. Halts if the heap is
   /// exhausted.
   VFile();
-  // The constructors with content put it in as one change. The position then is behind it; a failure stands in `res`.
+  /// @}
+  /// @{
+  /// An empty file, then the content as one change. The position then is behind it; a failure stands in `res`.
   VFile(signed char ch, std::int32_t count);
   VFile(char ch, std::int32_t count);
   VFile(unsigned char ch, std::int32_t count);
   explicit VFile(const char* text);
   VFile(HANDLE file, std::int32_t count);
   VFile(HFile& file, std::int32_t count);
+  /// @}
+  /// @{
   /// The bytes of a range of `source`; its flags and position are not taken over.
   VFile(const VFile& source, std::int32_t pos = 0, std::int32_t count = MaxLen);
   /// Gives the blocks back to the thread. Halts on another thread, and so may throw where the installed halt procedure does.
   virtual ~VFile() noexcept(false);
 
-  // ---- The five primitives of change ----
-  //
-  // Every change of a file, by whatever operation, is a call of one of these through its virtual slot: take out `del` bytes
-  // at `pos` and put in `count` bytes of a source. They do, in this order:
-  //   1. check the thread; return if `res` is not `resDone`;
-  //   2. refuse a negative argument, a null buffer with a count, a closed source: `resCallError`;
-  //   3. refuse a locked file (`resContextError`), then a read-only one (`resReadOnly`);
-  //   4. clamp `pos` to the length and `del` to what is there; a result past 2^31-1 bytes is `resTooLong`;
-  //   5. ask `PreChange`, change, tell `PostChange`;
-  //   6. `SetPos` behind the new bytes.
-  // A change of nothing by nothing does 1 to 4 and 6. `del` may be `SameLen`: as many as go in; or `MaxLen`: all to the end.
-  // A failure leaves the file unchanged; the position is unchanged up to step 4 and that of the change behind it. An
-  // exhausted heap is `resHeapOverflow`.
+  /// @}
+  /// @name The five primitives of change
+  ///
+  /// Every change of a file, by whatever operation, is a call of one of these through its virtual slot: take out `del` bytes
+  /// at `pos` and put in `count` bytes of a source. They do, in this order:
+  ///
+  ///   1. check the thread; return if `res` is not `resDone`;
+  ///   2. refuse a negative argument, a null buffer with a count, a closed source: `resCallError`;
+  ///   3. refuse a locked file (`resContextError`), then a read-only one (`resReadOnly`);
+  ///   4. clamp `pos` to the length and `del` to what is there; a result past 2^31-1 bytes is `resTooLong`;
+  ///   5. ask `PreChange`, change, tell `PostChange`;
+  ///   6. `SetPos` behind the new bytes.
+  ///
+  /// A change of nothing by nothing does 1 to 4 and 6. `del` may be `SameLen`: as many as go in; or `MaxLen`: all to the end.
+  /// A failure leaves the file unchanged; the position is unchanged up to step 4 and that of the change behind it. An
+  /// exhausted heap is `resHeapOverflow`.
+  /// @{
 
   /// From memory.
   virtual void ReplaceBuf(std::int32_t pos, std::int32_t del, const void* buffer, std::int32_t count);
@@ -97,31 +110,39 @@ class VFILE_API VFile {
   /// From an open file of the host, at its position, which moves on, also if the change fails. `MaxLen` reads to its end; any
   /// other count that it cannot fill is `resNotDone`. A failure of the host is its error as a code.
   virtual void ReplaceFile(std::int32_t pos, std::int32_t del, HFile& source, std::int32_t count);
+  /// The same from a handle.
   virtual void ReplaceFile(std::int32_t pos, std::int32_t del, HANDLE source, std::int32_t count);
 
-  // ---- Assignment: the whole content is replaced ----
+  /// @}
+  /// @name Assignment
+  /// @{
 
+  /// Makes it the whole content, by one change.
   virtual VFile& operator=(const VFile& source);
   virtual VFile& operator=(const char* text);
   virtual VFile& operator=(signed char ch);
   virtual VFile& operator=(char ch);
   virtual VFile& operator=(unsigned char ch);
 
-  // ---- Diagnosis ----
+  /// @}
+  /// @name Diagnosis
+  /// @{
 
   /// In a checking build halts under "VFile" with the rule of the chain that does not hold; else empty.
   virtual void CheckInvariants() const;
   virtual void Show(const char* text) const;  ///< Empty.
   virtual void Dump() const;                  ///< Empty.
 
-  // ---- Settings of the thread ----
-  //
-  // They act on the thread's `VMem` if it has a file, else on what its next one will start from; a setting outlives the
-  // files. Thread: the calling one.
+  /// @}
+  /// @name Settings of the thread
+  ///
+  /// They act on the thread's `VMem` if it has a file, else on what its next one will start from; a setting outlives the
+  /// files. Thread: the calling one.
+  /// @{
 
-  static void ReleaseCache();          ///< Writes all changed pages to the swap file and empties the cache.
-  static std::int16_t GetCacheSize();  ///< Kilobytes that the cache takes now.
-  static std::int16_t GetMaxCacheSize();
+  static void ReleaseCache();             ///< Writes all changed pages to the swap file and empties the cache.
+  static std::int16_t GetCacheSize();     ///< Kilobytes that the cache takes now.
+  static std::int16_t GetMaxCacheSize();  ///< The bound of the cache in kilobytes.
   /// Bounds the cache in kilobytes; 70 at first.
   static void SetMaxCacheSize(std::int16_t kilobytes);
   /// The directory for the swap file, or null. Valid until it is set again or the thread's last file goes.
@@ -129,49 +150,75 @@ class VFILE_API VFile {
   /// Sets it, for the next swap file that is made; a copy is kept, null or empty clears it. Must not be given what
   /// `GetTempDir` gave.
   static void SetTempDir(const TChar* dir);
-
-  // For the library's entry point alone. Halt with `HaltA` under "VFile" if called out of order; always true.
+  /// @}
+  /// @{
+  /// For the library's entry point alone. Halts with `HaltA` under "VFile" if called out of order; always true.
   static bool TLS_InitializeProcess();
   static bool TLS_UninitializeProcess();
   static bool TLS_InitializeThread();
   static bool TLS_UninitializeThread();
 
-  // ---- Position ----
+  /// @}
+  /// @name Position
+  /// @{
 
   /// Moves to `position`. Clears `res` and `eof`; a negative position is `resCallError` and moves nothing.
   void SetPos(std::int32_t position);
   /// Moves to `offset` bytes from the start (origin 0), the position (1) or the end (2). Any other origin is `resCallError`.
   void SetPos(std::int32_t offset, std::int32_t origin);
-  void Reset();  ///< `SetPos(0)`.
-  std::int32_t GetPos() const;
-  std::int32_t Length() const;
-  bool Eof() const;  ///< Whether the position is at the end.
-  bool Bof() const;  ///< Whether the position is at the start.
+  void Reset();                 ///< `SetPos(0)`.
+  std::int32_t GetPos() const;  ///< The position in bytes.
+  std::int32_t Length() const;  ///< The bytes of the file.
+  bool Eof() const;             ///< Whether the position is at the end.
+  bool Bof() const;             ///< Whether the position is at the start.
 
-  // ---- Reading: at the position, which moves on ----
+  /// @}
+  /// @name Reading
+  ///
+  /// At the position, which moves on.
+  /// @{
 
-  void ReadByte(unsigned char& byte);  ///< The next byte; 0 and `eof` at the end.
-  void ReadPrevByte(
-      unsigned char& byte);  ///< The byte before the position, which moves back; 0 and `eof` at the start.
-  /// Up to `count` bytes; gives how many. Fewer than asked set `eof`.
-  std::int32_t ReadBytes(void* buffer, std::int32_t count);
+  /// The next byte; 0 and `eof` at the end.
+  void ReadByte(unsigned char& byte);
   void ReadChar(signed char& ch);
   void ReadChar(char& ch);
   void ReadChar(unsigned char& ch);
+  /// @}
+  /// @{
+  /// The byte before the position, which moves back; 0 and `eof` at the start.
+  void ReadPrevByte(unsigned char& byte);
   void ReadPrevChar(signed char& ch);
   void ReadPrevChar(char& ch);
   void ReadPrevChar(unsigned char& ch);
-  // Values as their bytes lie, little-endian. At the end of the file the rest of the value stays as it was.
+  /// @}
+  /// @{
+  /// Up to `count` bytes; gives how many. Fewer than asked set `eof`.
+  std::int32_t ReadBytes(void* buffer, std::int32_t count);
+  /// @}
+  /// @{
+  /// The value as its bytes lie, little-endian. At the end of the file the rest of it stays as it was. `long` goes with the type of
+  /// its width.
   void ReadWord(short& value);
   void ReadWord(unsigned short& value);
   void ReadDWord(int& value);
   void ReadDWord(unsigned int& value);
   void ReadQWord(long long& value);
   void ReadQWord(unsigned long long& value);
+#if LONG_MAX > INT_MAX
+  void ReadQWord(long& value);
+  void ReadQWord(unsigned long& value);
+#else
+  void ReadDWord(long& value);
+  void ReadDWord(unsigned long& value);
+#endif
+  /// @}
+  /// @{
   /// One character of text, with CR and CR LF given as LF. Gives the bytes consumed: 0 at the end.
   std::int32_t Read(unsigned char& ch);
   std::int32_t Read(signed char& ch);
   std::int32_t Read(char& ch);
+  /// @}
+  /// @{
   /// Reads `count` bytes at `position` as a terminated string into `buffer` of `size` bytes, cut to fit; gives the bytes
   /// read. A null buffer or a size below 1 is `resCallError`, as it is in `ReadLine`.
   std::int32_t ReadTxt(char* buffer, std::int32_t size, std::int32_t position, std::int32_t count);
@@ -179,28 +226,31 @@ class VFILE_API VFile {
   /// Gives the characters stored.
   std::int32_t ReadLine(char* buffer, std::int32_t size);
 
-  // ---- Editing ----
-  //
-  // Five verbs by ten sources; each member is one call of a primitive.
-  //
-  //   VERB     WHERE         TAKES OUT
-  //   Insert   the position  nothing
-  //   Replace  the position  what the source says
-  //   Write    the position  nothing with `vfInsert`, else as Replace
-  //   Append   the end       nothing
-  //   Prepend  the start     nothing
-  //
-  //   SOURCE                  PRIMITIVE    COUNT          REPLACE TAKES OUT
-  //   Byte, Word, DWord, QWord  ReplaceBuf   1, 2, 4, 8     as many
-  //   Bytes                   ReplaceBuf   count          as many
-  //   char, count             ReplaceCh    count          as many
-  //   string                  ReplaceBuf   its length     as many as go in
-  //   VFile, pos, count       ReplaceTxt   count          as many as go in
-  //   HANDLE, count           ReplaceFile  count          as many as go in
-  //   HFile, count            ReplaceFile  count          as many as go in
-  //
-  // Values go in as their bytes, little-endian. The position ends behind the new bytes.
+  /// @}
+  /// @name Editing
+  ///
+  /// Five verbs by ten sources; each member is one call of a primitive.
+  ///
+  ///     VERB     WHERE         TAKES OUT
+  ///     Insert   the position  nothing
+  ///     Replace  the position  what the source says
+  ///     Write    the position  nothing with `vfInsert`, else as Replace
+  ///     Append   the end       nothing
+  ///     Prepend  the start     nothing
+  ///
+  ///     SOURCE                    PRIMITIVE    COUNT        REPLACE TAKES OUT
+  ///     Byte, Word, DWord, QWord  ReplaceBuf   1, 2, 4, 8   as many
+  ///     Bytes                     ReplaceBuf   count        as many
+  ///     char, count               ReplaceCh    count        as many
+  ///     string                    ReplaceBuf   its length   as many as go in
+  ///     VFile, pos, count         ReplaceTxt   count        as many as go in
+  ///     HANDLE, count             ReplaceFile  count        as many as go in
+  ///     HFile, count              ReplaceFile  count        as many as go in
+  ///
+  /// Values go in as their bytes, little-endian. The position ends behind the new bytes.
+  /// @{
 
+  /// Puts the source in at the position, as the table says.
   void InsertByte(unsigned char value);
   void InsertBytes(const void* buffer, std::int32_t count);
   void InsertWord(short value);
@@ -216,7 +266,9 @@ class VFILE_API VFile {
   void Insert(const VFile& source, std::int32_t pos, std::int32_t count);
   void InsertFromFile(HANDLE file, std::int32_t count);
   void Insert(HFile& file, std::int32_t count);
-
+  /// @}
+  /// @{
+  /// Puts the source in at the position, over what is there.
   void ReplaceByte(unsigned char value);
   void ReplaceBytes(const void* buffer, std::int32_t count);
   void ReplaceWord(short value);
@@ -232,7 +284,9 @@ class VFILE_API VFile {
   void Replace(const VFile& source, std::int32_t pos, std::int32_t count);
   void ReplaceFromFile(HANDLE file, std::int32_t count);
   void Replace(HFile& file, std::int32_t count);
-
+  /// @}
+  /// @{
+  /// Inserts or replaces at the position, as `vfInsert` says.
   void WriteByte(unsigned char value);
   void WriteBytes(const void* buffer, std::int32_t count);
   void WriteWord(short value);
@@ -248,7 +302,9 @@ class VFILE_API VFile {
   void Write(const VFile& source, std::int32_t pos, std::int32_t count);
   void WriteFromFile(HANDLE file, std::int32_t count);
   void Write(HFile& file, std::int32_t count);
-
+  /// @}
+  /// @{
+  /// Puts the source in at the end.
   void AppendByte(unsigned char value);
   void AppendBytes(const void* buffer, std::int32_t count);
   void AppendWord(short value);
@@ -264,7 +320,9 @@ class VFILE_API VFile {
   void Append(const VFile& source, std::int32_t pos, std::int32_t count);
   void AppendFromFile(HANDLE file, std::int32_t count);
   void Append(HFile& file, std::int32_t count);
-
+  /// @}
+  /// @{
+  /// Puts the source in at the start.
   void PrependByte(unsigned char value);
   void PrependBytes(const void* buffer, std::int32_t count);
   void PrependWord(short value);
@@ -280,11 +338,11 @@ class VFILE_API VFile {
   void Prepend(const VFile& source, std::int32_t pos, std::int32_t count);
   void PrependFromFile(HANDLE file, std::int32_t count);
   void Prepend(HFile& file, std::int32_t count);
-
+  /// @}
+  /// @{
   // `long` goes with the type of its width.
 #if LONG_MAX > INT_MAX
-  void ReadQWord(long& value);
-  void ReadQWord(unsigned long& value);
+  /// The verb's other forms, for `long`.
   void InsertQWord(long value);
   void InsertQWord(unsigned long value);
   void ReplaceQWord(long value);
@@ -296,8 +354,7 @@ class VFILE_API VFile {
   void PrependQWord(long value);
   void PrependQWord(unsigned long value);
 #else
-  void ReadDWord(long& value);
-  void ReadDWord(unsigned long& value);
+  /// The verb's other forms, for `long`.
   void InsertDWord(long value);
   void InsertDWord(unsigned long value);
   void ReplaceDWord(long value);
@@ -309,7 +366,8 @@ class VFILE_API VFile {
   void PrependDWord(long value);
   void PrependDWord(unsigned long value);
 #endif
-
+  /// @}
+  /// @{
   void ReadFromFile(HANDLE file, std::int32_t count);  ///< `WriteFromFile` by its other name.
   void ReadFromFile(HFile& file, std::int32_t count);  ///< `Write(file, count)` by its other name.
 
@@ -318,17 +376,24 @@ class VFILE_API VFile {
   /// Takes out all from the position to the end.
   void Truncate();
 
-  // ---- Operators: each gives the object, so that a chain of them stops having effect at its first failure ----
+  /// @}
+  /// @name Operators
+  ///
+  /// Each gives the object, so that a chain of them stops having effect at its first failure.
+  /// @{
 
   VFile& operator>>(signed char& ch);  ///< `ReadByte`.
   VFile& operator>>(char& ch);
   VFile& operator>>(unsigned char& ch);
+  /// @}
+  /// @{
   /// Makes the bytes from the position to the end the content of `target`, and moves there. A failure of the target becomes
   /// this object's, which then does not move.
   VFile& operator>>(VFile& target);
-
-  // Write, as the Write family does. A number goes in as text in base `radix`, digits and lower-case letters, with a minus
-  // sign in base 10 alone; in other bases a negative one shows as its two's complement.
+  /// @}
+  /// @{
+  /// Writes, as the Write family does. A number goes in as text in base `radix`, digits and lower-case letters, with a minus
+  /// sign in base 10 alone; in other bases a negative one shows as its two's complement.
   VFile& operator<<(signed char ch);
   VFile& operator<<(char ch);
   VFile& operator<<(unsigned char ch);
@@ -342,16 +407,19 @@ class VFILE_API VFile {
   VFile& operator<<(unsigned long value);
   VFile& operator<<(long long value);
   VFile& operator<<(unsigned long long value);
-
-  VFile& operator+=(signed char ch);  ///< Append.
+  /// @}
+  /// @{
+  VFile& operator+=(signed char ch);  ///< Appends.
   VFile& operator+=(char ch);
   VFile& operator+=(unsigned char ch);
   VFile& operator+=(const char* text);
   VFile& operator+=(const VFile& source);
 
-  // ---- Flags ----
+  /// @}
+  /// @name Flags
+  /// @{
 
-  std::int32_t GetFlags() const;
+  std::int32_t GetFlags() const;         ///< The flag word.
   bool FlagOn(std::int32_t mask) const;  ///< Whether any bit of the mask is on.
   /// Inverts the bits of the mask that a user can change, 0x1 to 0x100, and calls `PostChangeFlag` for each, the lowest first.
   /// A locked file refuses with `resContextError`.
@@ -362,12 +430,14 @@ class VFILE_API VFile {
   void ExclFlag(std::int32_t mask);          ///< Turns them off.
   std::int32_t Type() const;                 ///< 0, unless a derived class has set it.
 
-  // ---- Search ----
-  //
-  // Finds the bytes of a terminated string, not empty, without preparation or memory: Knuth, Morris and Pratt's method with
-  // the shift computed from the text at each mismatch. `ignoreCase` compares by `toupper`; `wholeWord` wants no `isalnum`
-  // byte next to the match, and goes on behind a match that has one. An empty text is found at once, where it is asked for.
-  // A search moves the position and `eof` and clears `res`; a negative `pos` is `resCallError`.
+  /// @}
+  /// @name Search
+  ///
+  /// Finds the bytes of a terminated string, not empty, without preparation or memory: Knuth, Morris and Pratt's method with
+  /// the shift computed from the text at each mismatch. `ignoreCase` compares by `toupper`; `wholeWord` wants no `isalnum`
+  /// byte next to the match, and goes on behind a match that has one. An empty text is found at once, where it is asked for.
+  /// A search moves the position and `eof` and clears `res`; a negative `pos` is `resCallError`.
+  /// @{
 
   /// Finds the first match that begins at `pos` or behind it. Found: `pos` becomes the position behind it.
   bool Find(std::int32_t& pos, const char* text, bool ignoreCase, bool wholeWord);
@@ -377,17 +447,19 @@ class VFILE_API VFile {
   /// replacement ends it, with the reason in `res`; what was done stays. An empty `oldText` is `resCallError`.
   std::int32_t ReplaceGlobal(const char* oldText, const char* newText, bool ignoreCase, bool wholeWord);
 
-  // ---- Lines ----
-  //
-  // A line ends in CR LF, a lone CR or a lone LF, mixed at will; the last one may have no end. Behind a line end at the end of
-  // the file stands one more line, empty. The place between a CR and its LF belongs to the line that they end. `position` may
-  // be anywhere in the line. These operations move the position to no defined place and clear `res`; a negative `position` is
-  // `resCallError`, and past the end it counts as the end. Cost: that of reading the line; nothing is kept between calls.
+  /// @}
+  /// @name Lines
+  ///
+  /// A line ends in CR LF, a lone CR or a lone LF, mixed at will; the last one may have no end. Behind a line end at the end of
+  /// the file stands one more line, empty. The place between a CR and its LF belongs to the line that they end. `position` may
+  /// be anywhere in the line. These operations move the position to no defined place and clear `res`; a negative `position` is
+  /// `resCallError`, and past the end it counts as the end. Cost: that of reading the line; nothing is kept between calls.
+  /// @{
 
   bool AfterCRLF(std::int32_t position);   ///< Whether the two bytes before `position` are CR LF.
   bool BeforeCRLF(std::int32_t position);  ///< Whether the two bytes from `position` on are CR LF.
-  bool BetweenCRLF(
-      std::int32_t position);  ///< Whether it stands between CR and LF; below 1 false, with `res` left alone.
+  /// Whether `position` stands between CR and LF; below 1 false, with `res` left alone.
+  bool BetweenCRLF(std::int32_t position);
   /// The position of the first byte of the line; 0 on failure.
   std::int32_t LineStart(std::int32_t position);
   /// The line in bytes: its `start`, its `size` with the line end, and the `eolSize` of that, 0 to 2. On failure they stay as
@@ -398,7 +470,11 @@ class VFILE_API VFile {
   /// The number of leading blanks of the line, the byte 32 alone; 0 on failure.
   std::int32_t LineIndent(std::int32_t position);
 
-  // ---- Transfer with files of the host: plain bytes, in calls of up to 1024 ----
+  /// @}
+  /// @name Transfer with files of the host
+  ///
+  /// Plain bytes, in calls of up to 1024.
+  /// @{
 
   /// Brings the page of the current block up to date and frees the scratch buffer. Leaves `res` and the position alone.
   void Flush();
@@ -410,19 +486,25 @@ class VFILE_API VFile {
   /// Writes up to `count` bytes from the position to an open file, which stays the caller's. A disk that takes fewer is
   /// `resDiskFull`.
   void WriteToFile(HANDLE file, std::int32_t count);
-  void WriteToFile(HFile& file, std::int32_t count);
+  void WriteToFile(HFile& file, std::int32_t count);  ///< The same.
   /// Replaces the content by that of a file and moves to its start, whatever stands in `res`. `shareMode`, made of the
   /// FILE_SHARE bits, is what others may do with it meanwhile. The old content is gone also if the file cannot be read.
   void Load(const TChar* name, std::uint32_t shareMode);
   /// Writes the content of a file at the position, as the Write family does.
   void ReadFile(const TChar* name, std::uint32_t shareMode);
 
+  /// @}
+  /// @name State
+  /// @{
+
   std::int32_t res;    ///< Result of the operations so far, see above.
   bool eof;            ///< Whether the last read ran against an end, see above.
   std::int32_t radix;  ///< Base of numbers written as text, 10 at first.
+                       /// @}
 
  protected:
-  // ---- Hooks for derived classes ----
+  /// @name Hooks for derived classes
+  /// @{
 
   /// Comes before each change, with its final arguments: `del` bytes go out at `pos` and `ins` come in. Any result but
   /// `resDone` goes into `res` and stops it. Must not change the file. The base class allows all.
@@ -434,12 +516,12 @@ class VFILE_API VFile {
 
   /// Bytes of the current block that a scan may look at.
   struct Run {
-    const unsigned char* bytes;
-    std::int32_t count;
+    const unsigned char* bytes;  ///< The first of them.
+    std::int32_t count;          ///< How many there are.
   };
   /// A scan's own copy of a block, used where the heap has no room for the scratch buffer.
   struct RunBuffer {
-    unsigned char bytes[BlkSize];
+    unsigned char bytes[BlkSize];  ///< The block.
   };
   /// The bytes from the position to the end of its block, after stepping to the next block if there are none; none at all
   /// at the end of the file. Good until the file is touched; `Skip` consumes them.
@@ -449,24 +531,26 @@ class VFILE_API VFile {
   /// Moves by `count` bytes, negative for backward, inside the block of the last run. Clears `eof`.
   void Skip(std::int32_t count);
 
-  // ---- The data model. Derived classes read it; only this class writes it. ----
-  //
-  //     first                    cur.ptr              last
-  //       |                         |                   |
-  //     [ 1024 ] <-> [ 17 ] <-> [ 1 ..ix.. len ] <-> [ 300 ]      each block: one page of `vm`, `len` bytes in use
-  //                                 |
-  //                                buf     copy of the block's bytes, possibly newer than its page
-  //
-  //   C1  The chain is doubly linked, and ends in null at both ends.
-  //   C2  The `len` of all blocks add up to `length`.
-  //   C3  `cur.ptr` is a block of the chain, `cur.base` the sum of `len` before it, 0 <= `cur.ix` <= its `len`, and
-  //       `cur.base` + `cur.ix` = `pos`. A position between blocks has two forms; every operation takes both.
-  //   C4  An empty file is one block with `len` 0, with or without a page.
-  //   C5  A file that is not empty has no empty block.
-  //   C6  `len` is at most `BlkSize`, and a block with bytes has a page of its own.
-  //   C7  Lengths are not balanced: blocks are joined only where a change puts a new chain in, and nothing compacts them.
-  //   C8  `bufDirty` implies `bufValid`, which implies `buf`. Both speak of `cur.ptr` alone; the page of every other block is
-  //       up to date. `len` is always current.
+  /// @}
+  /// @name The data model. Derived classes read it; only this class writes it.
+  ///
+  ///       first                    cur.ptr              last
+  ///         |                         |                   |
+  ///       [ 1024 ] <-> [ 17 ] <-> [ 1 ..ix.. len ] <-> [ 300 ]      each block: one page of `vm`, `len` bytes in use
+  ///                                   |
+  ///                                  buf     copy of the block's bytes, possibly newer than its page
+  ///
+  ///     C1  The chain is doubly linked, and ends in null at both ends.
+  ///     C2  The `len` of all blocks add up to `length`.
+  ///     C3  `cur.ptr` is a block of the chain, `cur.base` the sum of `len` before it, 0 <= `cur.ix` <= its `len`, and
+  ///         `cur.base` + `cur.ix` = `pos`. A position between blocks has two forms; every operation takes both.
+  ///     C4  An empty file is one block with `len` 0, with or without a page.
+  ///     C5  A file that is not empty has no empty block.
+  ///     C6  `len` is at most `BlkSize`, and a block with bytes has a page of its own.
+  ///     C7  Lengths are not balanced: blocks are joined only where a change puts a new chain in, and nothing compacts them.
+  ///     C8  `bufDirty` implies `bufValid`, which implies `buf`. Both speak of `cur.ptr` alone; the page of every other block is
+  ///         up to date. `len` is always current.
+  /// @{
 
   std::int32_t pos;        ///< position, 0 to `length`
   std::int32_t length;     ///< bytes of the file
@@ -481,6 +565,7 @@ class VFILE_API VFile {
   bool bufValid;           ///< `buf` holds the bytes of `cur.ptr`
   bool bufDirty;           ///< and they are newer than its page
   std::uint32_t threadId;  ///< the constructing thread; 0 after the destructor
+                           /// @}
 
  private:
   class VFILE_LOCAL NewChain;
@@ -565,33 +650,3 @@ class VFILE_API VFile {
   template <typename WritePiece>
   VFILE_LOCAL void WriteByPieces(bool open, std::int32_t count, WritePiece writePiece);
 };
-
-// ---- Comparison ----
-//
-// By content: bytes as unsigned values, the first difference decides, and a beginning of the other is less than it. A string
-// counts up to its terminator and must not be null; a file may hold NUL bytes, which are compared like others. The files,
-// their position, `eof` and `res` are left as they are, and `file == file` is safe.
-//
-// Thread: of both files; else `HaltA` under "VFile". Cost: reads up to the first difference, and nothing where `==` finds two
-// lengths; no allocation.
-
-VFILE_API bool operator==(const VFile& left, const VFile& right);
-VFILE_API bool operator!=(const VFile& left, const VFile& right);
-VFILE_API bool operator<(const VFile& left, const VFile& right);
-VFILE_API bool operator<=(const VFile& left, const VFile& right);
-VFILE_API bool operator>(const VFile& left, const VFile& right);
-VFILE_API bool operator>=(const VFile& left, const VFile& right);
-
-VFILE_API bool operator==(const VFile& left, const char* right);
-VFILE_API bool operator!=(const VFile& left, const char* right);
-VFILE_API bool operator<(const VFile& left, const char* right);
-VFILE_API bool operator<=(const VFile& left, const char* right);
-VFILE_API bool operator>(const VFile& left, const char* right);
-VFILE_API bool operator>=(const VFile& left, const char* right);
-
-VFILE_API bool operator==(const char* left, const VFile& right);
-VFILE_API bool operator!=(const char* left, const VFile& right);
-VFILE_API bool operator<(const char* left, const VFile& right);
-VFILE_API bool operator<=(const char* left, const VFile& right);
-VFILE_API bool operator>(const char* left, const VFile& right);
-VFILE_API bool operator>=(const char* left, const VFile& right);

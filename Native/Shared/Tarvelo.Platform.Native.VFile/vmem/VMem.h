@@ -1,4 +1,7 @@
 /// @file
+/// The class VMem.
+
+/// @class VMem
 /// A flat address space of up to 2^31-1 bytes outside process memory: paged, cached, and swapped to a temporary file.
 ///
 ///     VMem vm;
@@ -50,7 +53,8 @@ class VFILE_API VMem {
   VMem(const VMem&) = delete;
   VMem& operator=(const VMem&) = delete;
 
-  // ---- Settings ----
+  /// @name Settings
+  /// @{
 
   /// The directory set for the swap file, or null. Valid until the next `SetTempDir`.
   const TChar* GetTempDir();
@@ -67,7 +71,9 @@ class VFILE_API VMem {
   /// Has no effect.
   void WriteStatus();
 
-  // ---- Cache ----
+  /// @}
+  /// @name Cache
+  /// @{
 
   /// Writes all changed pages to the swap file. They stay in the cache.
   void FlushCache();
@@ -76,12 +82,14 @@ class VFILE_API VMem {
   /// Drops the whole space with all data, the cache and the swap file. The settings stay, and the object can be used again.
   void DeallocAll();
 
-  // ---- Allocator ----
-  //
-  // Blocks have no headers: the length is stated again when a block is freed. A new block holds what the space last held
-  // there. Lengths are in bytes, 1 to 32767; less than 4 count as 4. Halts: a length below 1 ("len must be >0"), an address
-  // outside the space ("illegal address (<0)", "illegal address (>max.address)"), a page off the grid ("address is not a
-  // page address"), a space that would pass 2^31-1 bytes ("address space exhausted").
+  /// @}
+  /// @name Allocator
+  ///
+  /// Blocks have no headers: the length is stated again when a block is freed. A new block holds what the space last held
+  /// there. Lengths are in bytes, 1 to 32767; less than 4 count as 4. Halts: a length below 1 ("len must be >0"), an address
+  /// outside the space ("illegal address (<0)", "illegal address (>max.address)"), a page off the grid ("address is not a
+  /// page address"), a space that would pass 2^31-1 bytes ("address space exhausted").
+  /// @{
 
   /// Gives a block of `len` bytes at any address.
   void Alloc(std::int32_t& addr, std::int16_t len);
@@ -92,16 +100,21 @@ class VFILE_API VMem {
   /// Frees a block of 1024 bytes at a multiple of 1024; `addr` becomes -1.
   void DeallocPage(std::int32_t& addr);
 
-  // ---- Transfer ----
-  //
-  // A transfer must lie inside the space, 0 up to the end of what was allocated at its far end. Halts: a negative length
-  // ("length of specified virt.memory must be >0"), an address outside ("illegal address (<0)", "illegal address
-  // (>max.address)"), a null buffer ("buffer address must not be 0"). A length of 0 does nothing and looks at nothing else.
-  // The typed forms are the block form with the width of the type, in memory order, at any address; a `long double` is
-  // stored as a `double` of 8 bytes.
+  /// @}
+  /// @name Transfer
+  ///
+  /// A transfer must lie inside the space, 0 up to the end of what was allocated at its far end. Halts: a negative length
+  /// ("length of specified virt.memory must be >0"), an address outside ("illegal address (<0)", "illegal address
+  /// (>max.address)"), a null buffer ("buffer address must not be 0"). A length of 0 does nothing and looks at nothing else.
+  /// The typed forms are the block form with the width of the type, in memory order, at any address; a `long double` is
+  /// stored as a `double` of 8 bytes.
+  /// @{
 
   /// Copies `len` bytes at `addr` to `buf`.
   void Get(std::int32_t addr, void* buf, std::int16_t len);
+  /// @}
+  /// @{
+  /// Copies the value at `addr`.
   void Get(std::int32_t addr, signed char& value);
   void Get(std::int32_t addr, char& value);
   void Get(std::int32_t addr, unsigned char& value);
@@ -118,9 +131,13 @@ class VFILE_API VMem {
   void Get(std::int32_t addr, double& value);
   void Get(std::int32_t addr, long double& value);
   void Get(std::int32_t addr, void*& value);
-
+  /// @}
+  /// @{
   /// Copies `len` bytes from `buf` to `addr`.
   void Set(std::int32_t addr, const void* buf, std::int16_t len);
+  /// @}
+  /// @{
+  /// Copies the value to `addr`.
   void Set(std::int32_t addr, signed char value);
   void Set(std::int32_t addr, char value);
   void Set(std::int32_t addr, unsigned char value);
@@ -137,10 +154,12 @@ class VFILE_API VMem {
   void Set(std::int32_t addr, double value);
   void Set(std::int32_t addr, long double value);
   void Set(std::int32_t addr, void* value);
-
+  /// @}
+  /// @{
   /// Copies `len` bytes inside the space, from `src` to `dst`; the ranges may overlap. A range that leaves the space is
   /// found by the 1024-byte chunk that does. A negative length halts ("len must be >=0").
   void CopyBytes(std::int32_t dst, std::int32_t src, std::int16_t len);
+  /// @}
 
  protected:
   // The data model, for derived classes to look at: a checker, a dump, a test.
@@ -174,8 +193,8 @@ class VFILE_API VMem {
   /// size of the cache for each page of a free list. A checking build halts under "VMem" with the name.
   const TChar* BrokenRule() const;
 
-  static constexpr std::int32_t kHashSize = 16384;
-  static constexpr std::int32_t kListCount = 17;
+  static constexpr std::int32_t kHashSize = 16384;  ///< entries of the hash table
+  static constexpr std::int32_t kListCount = 17;    ///< lists of free blocks
 
   std::int32_t pageSize;               ///< 1024, always
   HANDLE swapFile;                     ///< owned; INVALID_HANDLE_VALUE while there is none
