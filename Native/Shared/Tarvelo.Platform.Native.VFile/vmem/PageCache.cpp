@@ -32,9 +32,13 @@ void VMem::ReleaseCache() {
   CheckInvariants();
 }
 
-CacheDesc* VMem::FindUnhashedPage(std::int32_t addr) {
+/// The page at `addr`, a multiple of 1024 inside the space, in memory with its current content; null only behind a halt that
+/// returned. A page that the hash table names is given without touching anything.
+CacheDesc* VMem::FindPage(std::int32_t addr) {
+  CacheDesc* p = HashedPage(addr);
+  if (p != nullptr) return p;
   const std::int32_t index = vmem::HashIndex(addr, kHashSize);
-  CacheDesc* p = residueHead[index];
+  p = residueHead[index];
   while (p != nullptr && p->addr != addr) p = p->sibling;
   if (p == nullptr) {
     p = LoadPage(addr);

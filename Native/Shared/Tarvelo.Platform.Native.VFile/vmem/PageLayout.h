@@ -18,11 +18,16 @@ constexpr std::int32_t HashIndex(std::int32_t addr, std::int32_t hashSize) {
 
 }  // namespace vmem
 
-/// The page at `addr`, a multiple of 1024 inside the space, in memory with its current content; null only behind a halt
-/// that returned. A page that the hash table names is given without touching anything.
-inline CacheDesc* VMem::FindPage(std::int32_t addr) {
+/// The page that the hash table names for `addr`, a multiple of 1024; null if it names none.
+inline CacheDesc* VMem::HashedPage(std::int32_t addr) {
   CacheDesc* p = hashTable[vmem::HashIndex(addr, kHashSize)];
-  if (p != nullptr && p->addr == addr) [[likely]]
+  return p != nullptr && p->addr == addr ? p : nullptr;
+}
+
+/// `FindPage`, without a call for a page that the hash table names.
+inline CacheDesc* VMem::Page(std::int32_t addr) {
+  CacheDesc* p = HashedPage(addr);
+  if (p != nullptr) [[likely]]
     return p;
-  return FindUnhashedPage(addr);
+  return FindPage(addr);
 }

@@ -12,7 +12,7 @@ inline void VMem::GetValue(std::int32_t addr, Value& value) {
   constexpr std::int32_t kWidth = sizeof(Value);
   const std::int32_t offset = vmem::OffsetInPage(addr);
   if (addr >= 0 && addr <= maxAddress - kWidth && offset <= kPageSize - kWidth) [[likely]] {
-    if (const CacheDesc* p = FindPage(addr - offset)) std::memcpy(&value, p->data + offset, kWidth);
+    if (const CacheDesc* p = Page(addr - offset)) std::memcpy(&value, p->data + offset, kWidth);
   } else {
     Get(addr, &value, kWidth);
   }
@@ -23,7 +23,7 @@ inline void VMem::SetValue(std::int32_t addr, const Value& value) {
   constexpr std::int32_t kWidth = sizeof(Value);
   const std::int32_t offset = vmem::OffsetInPage(addr);
   if (addr >= 0 && addr <= maxAddress - kWidth && offset <= kPageSize - kWidth) [[likely]] {
-    if (CacheDesc* p = FindPage(addr - offset)) {
+    if (CacheDesc* p = Page(addr - offset)) {
       std::memcpy(p->data + offset, &value, kWidth);
       p->dirty = true;
     }
@@ -56,7 +56,7 @@ bool VMem::GetBlock(std::int32_t addr, void* buf, std::int32_t len) {
   std::int32_t left = len;
   std::int32_t offset = vmem::OffsetInPage(addr);
   for (std::int32_t page = addr - offset; left > 0; page = hsys::WrapAdd(page, kPageSize), offset = 0) {
-    const CacheDesc* p = FindPage(page);
+    const CacheDesc* p = Page(page);
     if (p == nullptr) return false;
     const std::int32_t part = std::min(left, kPageSize - offset);
     std::memcpy(bytes, p->data + offset, static_cast<std::size_t>(part));
@@ -74,7 +74,7 @@ bool VMem::SetBlock(std::int32_t addr, const void* buf, std::int32_t len) {
   std::int32_t left = len;
   std::int32_t offset = vmem::OffsetInPage(addr);
   for (std::int32_t page = addr - offset; left > 0; page = hsys::WrapAdd(page, kPageSize), offset = 0) {
-    CacheDesc* p = FindPage(page);
+    CacheDesc* p = Page(page);
     if (p == nullptr) return false;
     const std::int32_t part = std::min(left, kPageSize - offset);
     std::memcpy(p->data + offset, bytes, static_cast<std::size_t>(part));

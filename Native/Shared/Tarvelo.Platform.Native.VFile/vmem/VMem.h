@@ -222,8 +222,9 @@ class VFILE_API VMem {
   bool OnOwnerThread(std::int32_t line = __builtin_LINE()) const;
 
   // PageCache.cpp: the list and the hash table.
+  CacheDesc* Page(std::int32_t addr);
+  CacheDesc* HashedPage(std::int32_t addr);
   CacheDesc* FindPage(std::int32_t addr);
-  CacheDesc* FindUnhashedPage(std::int32_t addr);
   CacheDesc* LoadPage(std::int32_t addr);
   CacheDesc* TakeDescriptor();
   bool FillPage(CacheDesc* p, std::int32_t addr);
