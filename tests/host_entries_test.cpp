@@ -46,36 +46,27 @@ struct Entries : support::InDirectory {
 
 // What does not work, and leaves all as it was: for a copy that spares the target, one that replaces it, and a move.
 TEST_F(Entries, RefusalsTellTheReason) {
-  const struct {
+  struct Row {
     const char *from, *to;
     std::uint32_t spare, replace, move;
-  } rows[] = {{"none", "new", 2, 2, 2},
-              {"none", "old", 2, 2, 2},
-              {"no/x", "new", 3, 3, 3},
-              {"file/x", "new", 3, 3, 3},
-              {"file", "no/x", 3, 3, 3},
-              {"file", "old/x", 3, 3, 3},
-              {"", "new", 3, 3, 3},
-              {"file", "", 3, 3, 3},
-              {"dir", "new", 5, 5, 0},
-              {"file", "dir", 80, 5, 183},
-              {"file", "dir/", 80, 5, 183},
-              {"file", "locked", 80, 5, 183},
-              {"file", "file", 80, 32, 0},
-              {"file", "dir/../file", 80, 32, 0},
-              {"file", "same", 80, 32, 183},
-              {"file", "new/", 123, 123, 3},
-              {"file/", "new", 123, 123, 3},
-              {"file", "old", 80, 0, 183},
-              {"file", "dangling", 80, 0, 183}};
+  };
+  // clang-format off
+  const Row rows[] = {
+      {"none", "new", 2, 2, 2}, {"none", "old", 2, 2, 2}, {"no/x", "new", 3, 3, 3}, {"file/x", "new", 3, 3, 3},
+      {"file", "no/x", 3, 3, 3}, {"file", "old/x", 3, 3, 3}, {"", "new", 3, 3, 3}, {"file", "", 3, 3, 3},
+      {"dir", "new", 5, 5, 0}, {"file", "dir", 80, 5, 183}, {"file", "dir/", 80, 5, 183}, {"file", "locked", 80, 5, 183},
+      {"file", "file", 80, 32, 0}, {"file", "dir/../file", 80, 32, 0}, {"file", "same", 80, 32, 183},
+      {"file", "new/", 123, 123, 123}, {"file/", "new", 123, 123, 123}, {"file", "old", 80, 0, 183},
+      {"file", "dangling", 80, 0, 183}};
+  const std::pair<const char*, std::uint32_t> names[] = {
+      {"none", 2}, {"no/x", 3}, {"file/x", 3}, {"dir", 5}, {"dir/", 5}, {"locked", 5}, {"", 3}, {"file/", 123}};
+  // clang-format on
   for (const auto& [from, to, spare, replace, move] : rows) {
     EXPECT_EQ(Copy(from, to, true), spare) << from << " to " << to;
     EXPECT_TRUE(replace == 0 || Copy(from, to, false) == replace) << from << " to " << to << GetLastError();
     EXPECT_TRUE(from == std::string("dir") || Move(from, to) == move) << from << " to " << to << GetLastError();
     ASSERT_EQ(Listing(), before) << from << " to " << to;
   }
-  const std::pair<const char*, std::uint32_t> names[] = {{"none", 2}, {"no/x", 3},   {"file/x", 3}, {"dir", 5},
-                                                         {"dir/", 5}, {"locked", 5}, {"", 3},       {"file/", 123}};
   for (const auto& [name, error] : names) EXPECT_EQ(Delete(name), error) << name;
   EXPECT_EQ(Listing(), before);
 }

@@ -171,8 +171,12 @@ bool MoveFileW(const TChar* oldName, const TChar* newName) {
   const NativeName to(newName);
   if (from.Error() != ERROR_SUCCESS) return Fail(from.Error());
   if (to.Error() != ERROR_SUCCESS) return Fail(to.Error());
+  const std::uint32_t sourceEnding = posix::ErrorOfEndingSeparator(from, ERROR_SUCCESS);
+  if (sourceEnding != ERROR_SUCCESS) return Fail(sourceEnding);
   struct stat status;
   if (lstat(from.Text(), &status) != 0) return Fail(ErrorFromErrno(errno, from));
+  const std::uint32_t targetEnding = posix::ErrorOfEndingSeparator(to, ERROR_ALREADY_EXISTS);
+  if (targetEnding != ERROR_SUCCESS && !S_ISDIR(status.st_mode)) return Fail(targetEnding);
   const Descriptor guard(OpenToLock(from, status));
   if (IsHeld(guard)) return Fail(ERROR_SHARING_VIOLATION);
   if (RenameToFree(from.Text(), to.Text())) return true;
