@@ -133,6 +133,8 @@ TEST_F(FilesByName, FullNamesAreResolvedAsText) {
     HFile::GetFullName(small, 5, small);
     HFile::GetFullName(full, 4, TSTR("abcde"));
     EXPECT_TRUE(Narrow(small) == "/abc" && Narrow(full) == "abc");
+    HFile::GetFullName(small, 5, TString(9000, 'n').c_str());
+    EXPECT_EQ(Narrow(small), "nnnn");
     std::filesystem::current_path(Path("sub"));
     std::filesystem::remove(Path("sub"));
     HFile::GetFullName(full, 261, TSTR("a/../b"));
@@ -203,7 +205,7 @@ TEST_F(FilesByName, TemporaryFilesAreNewAndStayOpen) {
     TChar name[261];
     const std::string in = In("");
     const TString directory = Name(""), bare = support::Units(Directory()), longText(80, 'x'), none = Name("none"),
-                  tooLong(261, 'd');
+                  broken(1, 0xD800), tooLong(261, 'd');
     struct Row {
       const TChar *prefix, *ext, *dir;
       std::string head, tail;
@@ -215,7 +217,7 @@ TEST_F(FilesByName, TemporaryFilesAreNewAndStayOpen) {
         {TSTR("p"), TSTR(""), TSTR(""), "p", ""},
         {longText.c_str(), longText.c_str(), nullptr, in + std::string(63, 'x'), "." + std::string(62, 'x')}};
     const std::tuple<const TChar*, const TChar*, std::uint32_t, std::int32_t> bad[] = {
-        {nullptr, none.c_str(), 261, resIllegalPath}, {TSTR("no/"), nullptr, 261, resIllegalPath},
+        {nullptr, none.c_str(), 261, resIllegalPath}, {TSTR("no/"), nullptr, 261, resIllegalPath}, {broken.c_str(), nullptr, 261, resIllegalName},
         {nullptr, tooLong.c_str(), 261, resIllegalName}, {nullptr, nullptr, 8, resIllegalName}};
     // clang-format on
     for (const auto& [prefix, ext, dir, head, tail] : rows) {
@@ -234,6 +236,12 @@ TEST_F(FilesByName, TemporaryFilesAreNewAndStayOpen) {
     }
     EXPECT_TRUE(HFile::CreateTempFile(file, name, 261, nullptr, nullptr, nullptr, true));
     EXPECT_TRUE(file.ReadBytes(name, 1) == 0 && file.res == resNoPermission);
+    file.Close();
+    const auto exact = static_cast<std::uint32_t>(TString(name).size());
+    EXPECT_FALSE(HFile::CreateTempFile(file, name, exact, nullptr, nullptr, nullptr, true));
+    EXPECT_TRUE(chmod(Directory().c_str(), 0555) == 0 && (geteuid() != 0 || seteuid(65534) == 0));
+    EXPECT_TRUE(!HFile::CreateTempFile(file, name, 261, nullptr, nullptr, bare.c_str(), true) &&
+                file.res == resNoPermission);
   });
 }
 
