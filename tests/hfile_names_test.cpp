@@ -1,3 +1,4 @@
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <tuple>
@@ -89,18 +90,18 @@ TEST(Names, HaltWithoutRoomOrName) {
   TChar b[8] = {};
   HFile file, open(host::HandleFromDescriptor(dup(1)));
   const auto* name = TSTR("n");
-  for (const std::uint32_t size : {0u, 8u}) {
-    TChar* to = size == 0 ? b : nullptr;
-    EXPECT_ASSERTION("HFile", HFile::CondAppendDirSep(to, size));
-    EXPECT_ASSERTION("HFile", HFile::BuildName(to, size, name, name));
-    EXPECT_ASSERTION("HFile", HFile::BuildName(to, size, name, name, name, name));
-    EXPECT_ASSERTION("HFile", HFile::GetTempDir(to, size));
-    EXPECT_ASSERTION("HFile", HFile::GetNextBackupExt(to, size));
-    EXPECT_ASSERTION("HFile", HFile::GetFullName(to, size, name));
-    EXPECT_ASSERTION("HFile", HFile::SplitName(to, size, b, 8, name));
-    EXPECT_ASSERTION("HFile", HFile::SplitName(b, 8, to, size, name));
-    EXPECT_ASSERTION("HFile", HFile::SplitName(b, 8, b, 8, b, 8, to, size, name));
-    EXPECT_ASSERTION("HFile", HFile::CreateTempFile(file, to, size, nullptr, nullptr, nullptr, false));
+  // clang-format off
+#define WITH(call) [&](TChar* to, std::uint32_t size) { HFile::call; }
+  const std::function<void(TChar*, std::uint32_t)> calls[] = {
+      WITH(CondAppendDirSep(to, size)), WITH(BuildName(to, size, name, name)), WITH(GetTempDir(to, size)),
+      WITH(BuildName(to, size, name, name, name, name)), WITH(GetNextBackupExt(to, size)), WITH(GetFullName(to, size, name)),
+      WITH(SplitName(to, size, b, 8, name)), WITH(SplitName(b, 8, to, size, name)),
+      WITH(SplitName(b, 8, b, 8, b, 8, to, size, name)), WITH(SplitName(to, size, b, 8, b, 8, b, 8, name)),
+      WITH(CreateTempFile(file, to, size, nullptr, nullptr, nullptr, false))};
+  // clang-format on
+  for (const auto& call : calls) {
+    EXPECT_ASSERTION("HFile", call(b, 0)) << &call - calls;
+    EXPECT_ASSERTION("HFile", call(nullptr, 8)) << &call - calls;
   }
   EXPECT_ASSERTION("HFile", HFile::SplitName(b, 8, b, 8, nullptr));
   EXPECT_ASSERTION("HFile", HFile::SplitName(b, 8, nullptr, 0, nullptr, 0, nullptr, 0, nullptr));
@@ -143,14 +144,13 @@ TEST_F(FilesByName, FullNamesAreResolvedAsText) {
 }
 
 TEST_F(FilesByName, AttributesAreReadAndSet) {
-  Put("file", "abc");
+  const mode_t old = umask(002);
   const TString file = Name("file"), directory = Name(""), missing = Name("missing");
+  EXPECT_TRUE(HFile().Create(file.c_str(), false));
   EXPECT_TRUE(HFile::Exists(file.c_str()) && HFile::Exists(directory.c_str()) && !HFile::Exists(missing.c_str()));
   EXPECT_TRUE(HFile::IsDirectory(directory.c_str()) && !HFile::IsDirectory(file.c_str()));
   EXPECT_TRUE(!HFile::IsDirectory(missing.c_str()) && !HFile::IsReadOnly(missing.c_str()));
   EXPECT_TRUE(!HFile::SetReadOnly(missing.c_str(), false) && !HFile::SetReadOnly(directory.c_str(), true));
-  chmod(Path("file").c_str(), 0664);
-  const mode_t old = umask(002);
   for (const bool readOnly : {false, true, true, false}) {
     struct stat status;
     EXPECT_TRUE(HFile::SetReadOnly(file.c_str(), readOnly) && HFile::IsReadOnly(file.c_str()) == readOnly);
@@ -159,32 +159,16 @@ TEST_F(FilesByName, AttributesAreReadAndSet) {
   umask(old);
 }
 
-TEST_F(FilesByName, FailuresOfCopyRenameAndRemoveAreCodes) {
-  std::int32_t code = -1;
-  Put("a", "content"), Put("b", "old");
-  const TString a = Name("a"), b = Name("b"), c = Name("c"), far = Name("no/where");
-  EXPECT_TRUE(!HFile::Copy(a.c_str(), b.c_str(), code, false) && code == resAlreadyExists && Content("b") == "old");
-  EXPECT_TRUE(HFile::Copy(a.c_str(), b.c_str(), code, true) && code == resDone && Content("b") == "content");
-  EXPECT_TRUE(!HFile::Rename(a.c_str(), b.c_str(), code) && code == resAlreadyExists);
-  EXPECT_TRUE(!HFile::Rename(a.c_str(), far.c_str(), code) && code == resIllegalPath);
-  EXPECT_TRUE(HFile::Rename(a.c_str(), c.c_str(), code) && code == resDone && Content("c") == "content");
-  EXPECT_TRUE(!HFile::Remove(a.c_str(), code) && code == resNotFound);
-  EXPECT_TRUE(HFile::Remove(b.c_str(), code) && code == resDone && !HFile::Exists(b.c_str()));
-  EXPECT_TRUE(HFile::Copy(c.c_str(), a.c_str(), false) && !HFile::Copy(c.c_str(), a.c_str(), false));
-  EXPECT_TRUE(HFile::Copy(c.c_str(), a.c_str(), true) && HFile::Remove(c.c_str()) && !HFile::Remove(c.c_str()));
-  EXPECT_TRUE(HFile::Rename(a.c_str(), c.c_str()) && !HFile::Rename(a.c_str(), c.c_str()) && Content("c") == "content");
-}
-
 TEST_F(FilesByName, TemporaryDirectoryIsTheFirstUsable) {
   support::InChild([this] {
     for (const char* name : {"one", "two", "last"}) std::filesystem::create_directory(Path(name));
     Put("file", "");
     // "TMP", "TEMP", "TMPDIR", and which of them it is.
-    const Texts rows[] = {{"one", "two", "last", In("one\\")},
-                          {"one/", "two", "last", In("one/")},
-                          {"file", "two", "last", In("two\\")},
-                          {"no", "file", "last", In("last\\")},
-                          {"no", "no", "no", "/var/tmp/"}};
+    // clang-format off
+    const Texts rows[] = {
+        {"one", "two", "last", In("one\\")}, {"one/", "two", "last", In("one/")}, {"file", "two", "last", In("two\\")},
+        {"no", "file", "last", In("last\\")}, {"no", "no", "no", "/var/tmp/"}};
+    // clang-format on
     for (const Texts& row : rows) {
       setenv("TMP", In(row[0]).c_str(), 1), setenv("TEMP", In(row[1]).c_str(), 1),
           setenv("TMPDIR", In(row[2]).c_str(), 1);
@@ -203,45 +187,41 @@ TEST_F(FilesByName, TemporaryFilesAreNewAndStayOpen) {
     std::filesystem::current_path(Directory());
     HFile file;
     TChar name[261];
-    const std::string in = In("");
-    const TString directory = Name(""), bare = support::Units(Directory()), longText(80, 'x'), none = Name("none"),
-                  broken(1, 0xD800), tooLong(261, 'd');
-    struct Row {
-      const TChar *prefix, *ext, *dir;
-      std::string head, tail;
+    const auto create = [&](const TChar* prefix, const TChar* ext, const TChar* dir, std::uint32_t size = 261) {
+      return HFile::CreateTempFile(file, name, size, prefix, ext, dir, size == 261);
     };
+    const std::string in = In("");
+    const TString full = Name(""), bare = support::Units(Directory()), longText(80, 'x'), none = Name("none"),
+                  broken(1, 0xD800), tooLong(261, 'd');
     // clang-format off
-    const Row rows[] = {
-        {nullptr, nullptr, nullptr, in + "~hf", ".tmp"}, {TSTR("p"), TSTR("t"), directory.c_str(), in + "p", ".t"},
-        {TSTR("p"), TSTR(".t"), directory.c_str(), in + "p", ".t"}, {TSTR(""), TSTR("."), bare.c_str(), in, "."},
+    const std::tuple<const TChar*, const TChar*, const TChar*, std::string, std::string> rows[] = {
+        {nullptr, nullptr, nullptr, in + "~hf", ".tmp"}, {TSTR("p"), TSTR("t"), full.c_str(), in + "p", ".t"},
+        {TSTR("p"), TSTR(".t"), full.c_str(), in + "p", ".t"}, {TSTR(""), TSTR("."), bare.c_str(), in, "."},
         {TSTR("p"), TSTR(""), TSTR(""), "p", ""},
         {longText.c_str(), longText.c_str(), nullptr, in + std::string(63, 'x'), "." + std::string(62, 'x')}};
-    const std::tuple<const TChar*, const TChar*, std::uint32_t, std::int32_t> bad[] = {
-        {nullptr, none.c_str(), 261, resIllegalPath}, {TSTR("no/"), nullptr, 261, resIllegalPath}, {broken.c_str(), nullptr, 261, resIllegalName},
-        {nullptr, tooLong.c_str(), 261, resIllegalName}, {nullptr, nullptr, 8, resIllegalName}};
+    const std::tuple<const TChar*, const TChar*, std::int32_t> bad[] = {
+        {nullptr, none.c_str(), resIllegalPath}, {TSTR("no/"), nullptr, resIllegalPath},
+        {broken.c_str(), nullptr, resIllegalName}, {nullptr, tooLong.c_str(), resIllegalName}};
     // clang-format on
     for (const auto& [prefix, ext, dir, head, tail] : rows) {
-      EXPECT_TRUE(HFile::CreateTempFile(file, name, 261, prefix, ext, dir, false) && file.IsOpen());
+      EXPECT_TRUE(create(prefix, ext, dir) && file.IsOpen());
       file << "mine";
       file.Close();
       std::string text = Narrow(name);
       std::replace(text.begin(), text.end(), '\\', '/');
-      EXPECT_TRUE(text.starts_with(head) && text.ends_with(tail)) << text;
-      const std::string number = text.substr(head.size(), text.size() - head.size() - tail.size());
-      EXPECT_TRUE(number.find_first_not_of("0123456789") == std::string::npos && number.size() <= 8) << text;
+      EXPECT_TRUE(text.starts_with(head) && text.ends_with(tail) && text.size() <= head.size() + 8 + tail.size())
+          << text;
+      const std::size_t behind = std::min(text.find_first_not_of("0123456789", head.size()), text.size());
+      EXPECT_EQ(behind, text.size() - tail.size()) << text;
       EXPECT_EQ(Content(std::filesystem::path(text).filename()), "mine");
     }
-    for (const auto& [prefix, dir, size, res] : bad) {
-      EXPECT_TRUE(!HFile::CreateTempFile(file, name, size, prefix, nullptr, dir, true) && file.res == res) << res;
-    }
-    EXPECT_TRUE(HFile::CreateTempFile(file, name, 261, nullptr, nullptr, nullptr, true));
-    EXPECT_TRUE(file.ReadBytes(name, 1) == 0 && file.res == resNoPermission);
+    for (const auto& [prefix, dir, res] : bad) EXPECT_TRUE(!create(prefix, nullptr, dir) && file.res == res) << res;
+    EXPECT_TRUE(create(nullptr, nullptr, nullptr) && file.ReadBytes(name, 1) == 0 && file.res == resNoPermission);
     file.Close();
     const auto exact = static_cast<std::uint32_t>(TString(name).size());
-    EXPECT_FALSE(HFile::CreateTempFile(file, name, exact, nullptr, nullptr, nullptr, true));
+    EXPECT_TRUE(!create(nullptr, nullptr, nullptr, exact) && file.res == resIllegalName);
     EXPECT_TRUE(chmod(Directory().c_str(), 0555) == 0 && (geteuid() != 0 || seteuid(65534) == 0));
-    EXPECT_TRUE(!HFile::CreateTempFile(file, name, 261, nullptr, nullptr, bare.c_str(), true) &&
-                file.res == resNoPermission);
+    EXPECT_TRUE(!create(nullptr, nullptr, bare.c_str()) && file.res == resNoPermission);
   });
 }
 

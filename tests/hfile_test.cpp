@@ -66,8 +66,7 @@ TEST_F(HFiles, ReadingTellsTheEndAndFailuresStand) {
   EXPECT_TRUE(file.res == resDone && !file.eof && file.Length() == 5 && file.GetPos() == 5);
   file.SetPos(-6, 2);
   EXPECT_TRUE(file.res == resCallError && file.GetPos() == 5);
-  file.Close();
-  file.Close();
+  file.Close(), file.Close();
   EXPECT_EQ(file.res, resCallError);
   OpenTen(7);
   file.WriteBytes("x", 1);

@@ -85,9 +85,11 @@ TEST_F(HFileText, StretchesAreCutToFileCountAndBuffer) {
     EXPECT_TRUE(file.ReadTxt(buffer, 4, 0, 1) == 0 && file.ReadLine(buffer, 4) == 0 && buffer[0] == 'x');
   }
   file.Close();
-  EXPECT_TRUE(file.ReadTxt(buffer, 4, 0, 1) == 0 && file.res == resCallError && buffer[0] == '\0');
-  file.res = resDone, buffer[0] = 'x';
-  EXPECT_TRUE(file.ReadLine(buffer, 4) == 0 && file.res == resCallError && buffer[0] == '\0');
+  for (const bool line : {false, true}) {
+    file.res = resDone, buffer[0] = 'x';
+    EXPECT_EQ(line ? file.ReadLine(buffer, 4) : file.ReadTxt(buffer, 4, 0, 1), 0);
+    EXPECT_TRUE(file.res == resCallError && buffer[0] == '\0');
+  }
 }
 
 TEST_F(HFileText, LinesEndInAnyMix) {

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <thread>
 
+#include "hfile/HFile.h"
 #include "host/Host.h"
 #include "support/Files.h"
 #include "support/Process.h"
@@ -23,13 +24,18 @@ struct Entries : support::InDirectory {
     fs::create_hard_link(Path("file"), Path("same"));
   }
 
+  /// 0, or the host's error, of which `code` must be.
+  static std::uint32_t ErrorOf(bool done) {
+    EXPECT_EQ(code, done ? resDone : GetFileRes());
+    return done ? 0 : GetLastError();
+  }
   std::uint32_t Copy(const std::string& from, const std::string& to, bool failIfExists) const {
-    return CopyFileW(Full(from).c_str(), Full(to).c_str(), failIfExists) ? 0 : GetLastError();
+    return ErrorOf(HFile::Copy(Full(from).c_str(), Full(to).c_str(), code, !failIfExists));
   }
   std::uint32_t Move(const std::string& from, const std::string& to) const {
-    return MoveFileW(Full(from).c_str(), Full(to).c_str()) ? 0 : GetLastError();
+    return ErrorOf(HFile::Rename(Full(from).c_str(), Full(to).c_str(), code));
   }
-  std::uint32_t Delete(const std::string& name) const { return DeleteFileW(Full(name).c_str()) ? 0 : GetLastError(); }
+  std::uint32_t Delete(const std::string& name) const { return ErrorOf(HFile::Remove(Full(name).c_str(), code)); }
   /// The names in the directory and what is in its files.
   std::string Listing() const {
     std::string listing;
@@ -41,6 +47,7 @@ struct Entries : support::InDirectory {
     return name.empty() || name[0] == '/' ? TString(name.begin(), name.end()) : Name(name);
   }
 
+  static inline thread_local std::int32_t code = -1;
   const std::string before = "content,old,locked,content,,6";
 };
 
@@ -90,6 +97,10 @@ TEST_F(Entries, CopiesAreCompleteAndMovesKeepTheEntry) {
   EXPECT_TRUE(Copy("/proc/self/status", "status", true) == 0 && Content("status").starts_with("Name:"));
   EXPECT_TRUE(Move("locked", "dir/moved") == 0 && Content("dir/moved") == "locked" && Move("dir", "other") == 0);
   EXPECT_TRUE(Content("other/inner") == "inner" && Move("other", "old") == 183 && Move("old", "other") == 183);
+  const TString one = Name("file"), two = Name("two"), three = Name("three");
+  EXPECT_TRUE(HFile::Copy(one.c_str(), two.c_str(), false) && !HFile::Copy(one.c_str(), two.c_str(), false));
+  EXPECT_TRUE(HFile::Rename(two.c_str(), three.c_str()) && !HFile::Rename(two.c_str(), three.c_str()));
+  EXPECT_TRUE(HFile::Remove(three.c_str()) && !HFile::Remove(three.c_str()));
   EXPECT_TRUE(Delete("link") == 0 && Content("old") == large && Delete("same") == 0 && Content("file") == large);
 }
 

@@ -87,15 +87,6 @@ TEST_F(HostFiles, DeleteOnCloseLeavesNothingEvenWhenKilled) {
   EXPECT_TRUE(!std::filesystem::exists(Path("swap")) && Content("taken") == "abc");
 }
 
-TEST_F(HostFiles, NewFilesHaveTheModeThatTheMaskLeaves) {
-  const mode_t old = umask(027);
-  const HANDLE writer = Opened("new", GENERIC_WRITE, 0);
-  umask(old);
-  struct stat status;
-  EXPECT_TRUE(fstat(DescriptorFromHandle(writer), &status) == 0 && (status.st_mode & 07777) == 0640);
-  EXPECT_TRUE(CloseHandle(writer));
-}
-
 TEST_F(HostFiles, NamesReachEveryFileAndBadUnitsNone) {
   const TString name = support::Units(Directory()) + TString({'\\', 0xE4, 0xD83D, 0xDE00, 0xDCFF, 0xDC80});
   CloseHandle(CreateFileW(name.c_str(), kReadWrite, 0, CREATE_NEW, 0));

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <csignal>
+#include <ctime>
 #include <gtest/gtest.h>
 #include <map>
 
@@ -76,6 +77,8 @@ TEST(Strings, TrimmingBlanksAndComparison) {
   for (int i = 0; i < 10; ++i) EXPECT_EQ(changed(TrimZeroes, numbers[i]), trimmed[i]);
   for (int unit = 0; unit <= 0xFFFF; ++unit)
     EXPECT_EQ(IsBlank(static_cast<TChar>(unit)), unit == 9 || unit == 10 || unit == 12 || unit == 13 || unit == 32);
+  EXPECT_TRUE(EqualStr(TSTR("ab"), TSTR("ab")) && !EqualStr(TSTR("ab"), TSTR("aB")) &&
+              !EqualStr(TSTR("a"), TSTR("ab")));
   EXPECT_TRUE(EqualStrI(TSTR("Abc"), TSTR("aBC")) && !EqualStrI(TSTR("@"), TSTR("`")));
 }
 
@@ -98,6 +101,30 @@ TEST(Results, OfHostErrorsAndTheirTexts) {
     HFile::GetResMsg(text, 32, code);
     EXPECT_EQ(Narrow(text), "unknown error code");
   }
+}
+
+TEST(Numbers, HaveOrderSignWordsAndBytes) {
+  EXPECT_TRUE(MaxS(-32768, 1) == 1 && MinS(-32768, 1) == -32768 && SignS(-32768) == -1 && Max(-2, -1) == -1);
+  EXPECT_TRUE(Min(-2, -1) == -2 && Sign(0) == 0 && MaxL(INT32_MIN, 1) == 1 && MinL(INT32_MIN, 1) == INT32_MIN);
+  EXPECT_TRUE(SignL(7) == 1 && MaxQ(INT64_MIN, 1) == 1 && MinQ(INT64_MIN, 1) == INT64_MIN && SignQ(INT64_MIN) == -1);
+  EXPECT_TRUE(MaxR(1, 2) == 2 && MinR(1, 2) == 1 && MaxR(NAN, 2) == 2 && MinR(1, NAN) != 1 && SignR(-0.5) == -1);
+  std::uint16_t hi, lo;
+  char b[6];
+  Short2(0x12345678, hi, lo), Extract2(0x0102, b[0], b[1]), Extract4(0x03040506, b[2], b[3], b[4], b[5]);
+  EXPECT_TRUE(hi == 0x1234 && lo == 0x5678 && HI(-2) == 0xFFFF && LO(-2) == 0xFFFE && Long2(hi, lo) == 0x12345678);
+  EXPECT_TRUE(std::string(b, 6) == "\1\2\3\4\5\6" && Build2(-1, 2) == -254 && Build4(1, 2, 3, -4) == 0x010203FC);
+  EXPECT_TRUE(Long(-3) == -3 && LongC(~0u) == -1 && Int(~0u) == -1 && Card(-1) == ~0u && GetEolKind() == eolCrLf);
+}
+
+TEST(Clock, IsTheHostsInLocalTime) {
+  std::tm now = {};
+  std::int32_t day, month, year, hour, minute, second, millisecond;
+  const std::time_t before = std::time(nullptr);
+  GetDate(day, month, year), GetTime(hour, minute, second, millisecond);
+  now.tm_mday = day, now.tm_mon = month - 1, now.tm_year = year - 1900, now.tm_isdst = -1;
+  now.tm_hour = hour, now.tm_min = minute, now.tm_sec = second;
+  const std::time_t told = std::mktime(&now);
+  EXPECT_TRUE(told >= before && told <= std::time(nullptr) && millisecond >= 0 && millisecond < 1000);
 }
 
 TEST(Numbers, AreHeldToTheirRange) {

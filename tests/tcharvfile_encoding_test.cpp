@@ -140,14 +140,13 @@ TEST_F(TextFiles, FailToLoadAsTheirStepsDo) {
                 memory = TSTR("/proc/self/mem");
   HFile reader;
   EXPECT_TRUE(reader.OpenSeqRead(file.c_str()));
-  for (const auto& [name, share, flags, allowed, res, content] :
-       {std::tuple(missing, 0, 0, -1, resNotFound, none),
-        {file, 0, 0, -1, resNoPermission, none},
-        {memory, 7, 0, -1, resNotDone, none},
-        {file, 1, 0, 1, resNotSupported, none},
-        {file, 1, 0, 0, resNotSupported, old},
-        {missing, 1, vfReadOnly, -1, resReadOnly, old},
-        {missing, 1, vfLocked | vfReadOnly, -1, resContextError, old}}) {
+  // clang-format off
+  const std::tuple<TString, int, int, int, int, TString> rows[] = {
+      {missing, 0, 0, -1, resNotFound, none}, {file, 0, 0, -1, resNoPermission, none}, {memory, 7, 0, -1, resNotDone, none},
+      {file, 1, 0, 1, resNotSupported, none}, {file, 1, 0, 0, resNotSupported, old},
+      {missing, 1, vfReadOnly, -1, resReadOnly, old}, {missing, 1, vfLocked | vfReadOnly, -1, resContextError, old}};
+  // clang-format on
+  for (const auto& [name, share, flags, allowed, res, content] : rows) {
     TextPeek text;
     text = old;
     text.flags |= flags;

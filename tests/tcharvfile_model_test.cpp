@@ -5,10 +5,7 @@
 #include "support/Files.h"
 #include "support/Texts.h"
 
-using support::Count;
-using support::NaiveFind;
-using support::Size;
-using support::TextPeek;
+using support::Count, support::NaiveFind, support::Size, support::TextPeek;
 
 namespace {
 

@@ -55,7 +55,11 @@ TEST(Life, OperationsOnAnotherThreadHaltAndDoNothing) {
       DO(f.ReplaceFile(0, 1, INVALID_HANDLE_VALUE, 1)), DO(f.ToggleFlag(1)), DO(f.Flush()),
       DO(f.WriteFile(TSTR(""), true)), DO(f.WriteToFile(closed, 1)), DO(f.ReadFile(TSTR(""), 0)),
       DO(f.WriteToFile(INVALID_HANDLE_VALUE, 1)), DO(EXPECT_FALSE(f.Find(at, "", false, false))),
-      DO(EXPECT_FALSE(f.FindBack(at, "", false, false))), DO(EXPECT_EQ(f.ReplaceGlobal("\1", "x", false, false), 0))};
+      DO(EXPECT_FALSE(f.FindBack(at, "", false, false))), DO(EXPECT_EQ(f.ReplaceGlobal("\1", "x", false, false), 0)),
+      DO(EXPECT_FALSE(f.AfterCRLF(2))), DO(EXPECT_FALSE(f.BeforeCRLF(0))), DO(EXPECT_FALSE(f.BetweenCRLF(0))),
+      DO(EXPECT_EQ(f.LineStart(5), 0)), DO(f.LineSize(-1, at, at, at)), DO(EXPECT_EQ(f.LineEnd(-1, true), 0)),
+      DO(EXPECT_EQ(f.LineIndent(-1), 0)), DO(EXPECT_FALSE(f == f)), DO(EXPECT_FALSE(f <= "")), DO(EXPECT_FALSE(f == "")),
+      DO(EXPECT_FALSE(f < f)), DO(EXPECT_FALSE(VFile() == f)), DO(EXPECT_FALSE(VFile() < f))};
   // clang-format on
   for (const auto& operation : operations) {
     OnAnotherThread([&] {

@@ -1,6 +1,5 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <thread>
 
 #include "support/Chains.h"
 #include "support/Halts.h"
@@ -132,6 +131,9 @@ TEST(Primitives, KeepTheirContract) {
       // A repeated char is a change for each 1024 bytes; the first takes out.
       {DO(f.ReplaceCh(2, 4, 'x', 2049)), resDone, 2051, "2-4+1024@10>1030 1026-0+1024@1030>2054 2050-0+1@2054>2055 "},
       {DO(f.allowed = 1, f.ReplaceCh(0, 0, 'x', 2000)), resNetworkError, 1024, "0-0+1024@10>1034 1024-0+976@1034"},
+      // The rest moves to another file, if that takes it.
+      {DO(VFile t("x"); t.SetFlags(vfReadOnly); f >> t; EXPECT_TRUE(t == "x")), resReadOnly},
+      {DO(VFile t("old"); f >> t; EXPECT_TRUE(t == "3456789")), resDone, 10},
       // Flags, the lowest first.
       {DO(f.SetFlags(vfMarkModified), f.Append("x"), f.Append("y")), resDone, 12, "on3210-0+1@10>11 on811-0+1@11>12 "},
       {DO(f.SetFlags(0x121), f.SetFlags(3)), resDone, 3, "on1on32on256on2off32off256"},
@@ -192,17 +194,6 @@ TEST(Heap, AFailureAnywhereLeavesTheFileAsItWas) {
         EXPECT_TRUE(Bytes(file) == Pattern(1524) && Lens(file) == (Lengths{1024, 500}));
       }
     }
-  }
-}
-
-TEST(Heap, AThreadsFirstFileHaltsAndCanBeTriedAgain) {
-  for (int k = 1, failed = true; failed; ++k) {
-    std::thread([&] {
-      const std::string halted = WithFailing(k, [] { const VFile file; });
-      failed = support::FailingHeap::HasFailed();
-      EXPECT_TRUE(halted.empty() == !failed && (failed || k > 1)) << k;
-      EXPECT_EQ(VFile("abc").Length(), 3);
-    }).join();
   }
 }
 

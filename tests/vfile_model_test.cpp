@@ -59,6 +59,13 @@ struct Model {
     p.pos += Count(put.size());
   }
 
+  void Position(Pair& p, I32 offset, I32 origin) {
+    const I32 bases[] = {0, p.pos, p.Length(), 0};
+    const auto to = static_cast<std::int64_t>(bases[origin]) + offset;
+    p.file.SetPos(offset, origin);
+    p.Seek(origin == 3 || to > MaxLen ? -1 : static_cast<I32>(to));
+  }
+
   void Read(Pair& p) {
     char buffer[4000];
     unsigned char byte = 7;
@@ -93,7 +100,7 @@ struct Model {
   void Step() {
     Pair &p = pairs[Below(3)], &other = pairs[Below(3)];
     const I32 place = Place(p.Length()), kind = Below(16);
-    if (kind == 0) p.file.SetPos(place), p.Seek(place);
+    if (kind == 0) Position(p, place, Below(4));
     if (kind == 1) p.file.Flush();
     if (kind == 2) VFile::ReleaseCache();
     if (kind == 3) VFile::SetMaxCacheSize(std::int16_t{limits[Below(5)]});
@@ -103,7 +110,7 @@ struct Model {
     if (kind > 8) Change(p, other);
     EXPECT_HALT("", p.file.CheckInvariants());
     EXPECT_TRUE(p.file.GetPos() == p.pos && p.file.Length() == p.Length() && p.file.res == p.res &&
-                p.file.eof == p.eof);
+                p.file.eof == p.eof && p.file.Bof() == (p.pos == 0) && p.file.Eof() == (p.pos == p.Length()));
     EXPECT_TRUE(Bytes(p.file) == p.bytes);
     // A failure stands for a step or two; a file that grew long starts again.
     if (p.res != resDone && Below(2) == 0) p.file.Reset(), p.Seek(0);

@@ -6,22 +6,6 @@ using support::Chain, support::I32, support::Lengths, support::Peek;
 
 namespace {
 
-TEST(Position, FollowsOffsetAndOrigin) {
-  // clang-format off
-  const std::tuple<I32, I32, I32, I32> rows[] = {
-      {0, 0, 0, resDone}, {10, 0, 10, resDone}, {MaxLen, 0, 10, resDone}, {-1, 0, 4, resCallError}, {3, 1, 7, resDone},
-      {-4, 1, 0, resDone}, {-5, 1, 4, resCallError}, {MaxLen, 1, 4, resCallError}, {-1, 2, 9, resDone},
-      {5, 2, 10, resDone}, {-11, 2, 4, resCallError}, {SameLen, 2, 4, resCallError}, {0, 3, 4, resCallError}};
-  // clang-format on
-  for (const auto& [offset, origin, pos, res] : rows) {
-    Chain file({3, 3, 4});
-    file.SetPos(4), file.eof = true, file.SetPos(offset, origin);
-    EXPECT_TRUE(file.GetPos() == pos && file.res == res && file.eof == (res != resDone))
-        << offset << " from " << origin;
-    EXPECT_TRUE(file.Bof() == (pos == 0) && file.Eof() == (pos == 10));
-  }
-}
-
 TEST(Reading, ValuesAreLittleEndianAndTheRestStays) {
   Chain file({3, 4, 6}, "\xF1\xF2\xF3\xF4\xF5\xF6\xF7\xF8\xF9\xFA\xFB\xFC\xFD");
   std::int64_t quad = 0, rest = 0x1111;

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "support/Chains.h"
-#include "vfile/SearchText.h"
 
 using support::Bytes, support::Chain, support::I32, support::Peek;
 
@@ -47,16 +46,6 @@ TEST(Search, ReplacesAllNotLookingIntoNewText) {
     file.Reset(), file.SetFlags(vfReadOnly);
     EXPECT_EQ(file.ReplaceGlobal("a", "b", true, false), 0);
     EXPECT_EQ(file.res, result.find('a') == std::string::npos ? resDone : resReadOnly);
-  }
-}
-
-TEST(Search, TheShiftIsTheLeastThatCanStillMatch) {
-  for (unsigned bits = 0; bits < 1024; ++bits) {
-    const auto equal = [bits](auto i, auto j) { return (bits >> i & 1U) == (bits >> j & 1U); };
-    for (int k = 1, s = 1; k <= 10; ++k, s = 1) {
-      while (((bits >> s ^ bits) & ((1U << (k - s)) - 1)) != 0) ++s;
-      ASSERT_EQ(vfile::Shift(k, equal), s) << bits << " " << k;
-    }
   }
 }
 

@@ -1,8 +1,5 @@
-#include <csignal>
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 
 #include "support/Chains.h"
 #include "support/Files.h"
@@ -79,20 +76,6 @@ TEST_F(Transfer, RefusalsAndFailuresStopIt) {
     EXPECT_TRUE(file.res == res && file.GetPos() == pos) << &transfer - &std::get<0>(rows[0]) << ": " << file.res;
     EXPECT_TRUE(Bytes(file) == Pattern(1500) && Content("two") == "XY");
   }
-}
-
-TEST_F(Transfer, AFullDiskIsSeenByTheShortWrite) {
-  const pid_t child = fork();
-  if (child == 0) {
-    const rlimit limit = {1500, 1500};
-    const bool limited = std::signal(SIGXFSZ, SIG_IGN) != SIG_ERR && setrlimit(RLIMIT_FSIZE, &limit) == 0;
-    Chain file({1000, 1000, 1000});
-    file.WriteFile(Name("file").c_str(), true);
-    _exit(limited && file.res == resDiskFull && file.GetPos() == 2048 ? 0 : 1);
-  }
-  int status = -1;
-  EXPECT_TRUE(waitpid(child, &status, 0) == child && status == 0);
-  EXPECT_EQ(Content("file"), Pattern(1500));
 }
 
 }  // namespace

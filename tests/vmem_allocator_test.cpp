@@ -96,20 +96,4 @@ TEST(AllocatorTest, GivesWhatTheModelGives) {
   AllocatorModel().ExpectIn(vm);
 }
 
-TEST(AllocatorTest, WalkOfAListEndsBehindReturningHalts) {
-  Peek vm;
-  vm.SetMaxCacheSize(0);
-  for (const std::int32_t gap : {24, 40, 32}) vm.Take(1024 - gap), vm.Take(0);
-  vm.ReleaseCache();
-  vm.Read(5088, 1);  // the page of the list's head
-  ASSERT_EQ(ftruncate(vm.Descriptor(), 0), 0);
-  const NoteHalts notes;
-  InstallHaltProc([](const TChar* message) {
-    NoteHalts::Noted().push_back(Narrow(message));
-    if (NoteHalts::Noted().size() > 50) throw Halted{"endless"};
-  });
-  EXPECT_NO_THROW(vm.Take(10));
-  EXPECT_EQ(notes.Noted().at(0), "VMem, FindPage():\nreading from swap file failed");
-}
-
 }  // namespace

@@ -47,18 +47,17 @@ TEST_F(VMemTest, WrongCallsHaltAndDoNothing) {
   const std::int32_t end = vm.maxAddress = 0x7ffffc00;  // 1023 bytes below the end of any space
   std::int32_t addr = 1;
   vm.Write(0, Pattern(5000));
+  // clang-format off
   const std::tuple<std::string, std::string, std::function<void()>> rows[] = {
       {"Get", "length of specified virt.memory must be >0", [&] { vm.Get(-1, nullptr, -1); }},
       {"Get", "illegal address (<0)", [&] { vm.Get(-1, nullptr, 32767); }},
-      {"Get", above, [&] { vm.Get(0x7fffffff, nullptr, 32767); }},
-      {"Set", above, [&] { vm.CopyBytes(end - 1, 0, 2); }},
+      {"Get", above, [&] { vm.Get(0x7fffffff, nullptr, 32767); }}, {"Set", above, [&] { vm.CopyBytes(end - 1, 0, 2); }},
       {"Set", "buffer address must not be 0", [&] { vm.Set(end - 1, nullptr, 1); }},
       {"CopyBytes", "len must be >=0", [&] { vm.CopyBytes(0, -9, -9); }},
-      {"Alloc", "len must be >0", [&] { vm.Alloc(addr, 0); }},
-      {"Alloc", exhausted, [&] { vm.Alloc(addr, 1024); }},
-      {"AllocPage", exhausted, [&] { vm.Take(0); }},
-      {"Dealloc0", above, [&] { vm.Free(end - 3, 3); }},
+      {"Alloc", "len must be >0", [&] { vm.Alloc(addr, 0); }}, {"Alloc", exhausted, [&] { vm.Alloc(addr, 1024); }},
+      {"AllocPage", exhausted, [&] { vm.Take(0); }}, {"Dealloc0", above, [&] { vm.Free(end - 3, 3); }},
       {"DeallocPage", "address is not a page address", [&] { vm.DeallocPage(addr); }}};
+  // clang-format on
   const std::tuple before(vm.Shape(), Pattern(5000));
   for (const auto& [proc, message, call] : rows) {
     const NoteHalts notes;
