@@ -84,11 +84,13 @@ TEST_F(Entries, CopiesAreCompleteAndMovesKeepTheEntry) {
   Put("file", large);
   fs::create_symlink("old", Path("link"));
   const timespec times[] = {{5, 0}, {1000000000, 123456789}};
+  const uid_t owner = geteuid() == 0 ? 65534 : geteuid();
   EXPECT_TRUE(chmod(Path("file").c_str(), 04640) == 0 && utimensat(AT_FDCWD, Path("file").c_str(), times, 0) == 0);
+  EXPECT_EQ(chown(Path("old").c_str(), owner, getegid()), 0);
   for (const char* to : {"new", "link", "dangling"}) {
     EXPECT_TRUE(Copy("file", to, false) == 0 && Content(to) == large) << to;
     struct stat status;
-    EXPECT_EQ(stat(Path(to).c_str(), &status), 0);
+    EXPECT_TRUE(stat(Path(to).c_str(), &status) == 0 && (status.st_uid == owner || std::string(to) != "link"));
     EXPECT_TRUE((status.st_mode & 07777) == 0640 && status.st_mtim.tv_sec == 1000000000 &&
                 status.st_mtim.tv_nsec == 123456789);
   }
@@ -115,8 +117,7 @@ TEST_F(Entries, FailedCopiesLeaveTheTargetAsItWas) {
   });
   EXPECT_EQ(Listing(), all);
   // What is no regular file is written as it is.
-  ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
-  const int reader = open(Path("pipe").c_str(), O_RDWR | O_NONBLOCK);
+  const int reader = mkfifo(Path("pipe").c_str(), 0600) == 0 ? open(Path("pipe").c_str(), O_RDWR | O_NONBLOCK) : -1;
   char piped[8] = {};
   EXPECT_TRUE(Copy("old", "pipe", false) == 0 && read(reader, piped, sizeof piped) == 3 && piped == std::string("old"));
   EXPECT_TRUE(fs::is_fifo(Path("pipe")) && close(reader) == 0);

@@ -460,7 +460,7 @@ class VFILE_API VFile {
   bool BeforeCRLF(std::int32_t position);  ///< Whether the two bytes from `position` on are CR LF.
   /// Whether `position` stands between CR and LF; below 1 false, with `res` left alone.
   bool BetweenCRLF(std::int32_t position);
-  /// The position of the first byte of the line; 0 on failure.
+  /// The position of the first byte of the line; 0 on failure. At the start of the file it does not have to look.
   std::int32_t LineStart(std::int32_t position);
   /// The line in bytes: its `start`, its `size` with the line end, and the `eolSize` of that, 0 to 2. On failure they stay as
   /// they were.

@@ -96,8 +96,9 @@ int CreateBeside(const char* target, char (&name)[PATH_MAX]) {
 }
 
 /// Makes a complete copy and then gives it its name by `giveName`. The copy has the mode, less what runs under another's name,
-/// and the time of last write.
-bool CopyToName(int source, const struct stat& status, const char* target, bool (*giveName)(const char*, const char*)) {
+/// and the time of last write; if it may, the owner of the file that it replaces.
+bool CopyToName(int source, const struct stat& status, const char* target, bool (*giveName)(const char*, const char*),
+                const struct stat* replaced = nullptr) {
   char name[PATH_MAX];
   Descriptor copy(CreateBeside(target, name));
   if (!copy.IsOpen()) return Fail(errno == ENOENT ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno));
@@ -105,6 +106,7 @@ bool CopyToName(int source, const struct stat& status, const char* target, bool 
   if (done) {
     // A file system without these goes without.
     const timespec times[] = {{0, UTIME_OMIT}, status.st_mtim};
+    if (replaced != nullptr) static_cast<void>(fchown(copy.Get(), replaced->st_uid, replaced->st_gid) == 0);
     static_cast<void>(fchmod(copy.Get(), status.st_mode & 0777));
     static_cast<void>(futimens(copy.Get(), times));
     // A file system behind a network may tell of a full disk only now.
@@ -125,7 +127,7 @@ bool CopyOnto(int source, const struct stat& status, const NativeName& target) {
   if (!S_ISREG(oldStatus.st_mode)) return CopyContent(source, old.Get());
   char path[PATH_MAX];
   if (realpath(target.Text(), path) == nullptr) return Fail(ErrorFromErrno(errno, target));
-  return CopyToName(source, status, path, RenameOver);
+  return CopyToName(source, status, path, RenameOver, &oldStatus);
 }
 
 /// Moves a file to another file system: copies it and removes it, or leaves it alone.
