@@ -117,6 +117,16 @@ bool ReadFile(HANDLE file, void* buffer, std::uint32_t count, std::uint32_t* don
 /// Writes `count` bytes at the file's position and moves it. Goes on until all is written or the system refuses; what
 /// got out before a refusal is reported as a success with a smaller `*done`, so that the next call meets the reason.
 bool WriteFile(HANDLE file, const void* buffer, std::uint32_t count, std::uint32_t* done);
+/// Where in a file a transfer begins that does not look at the file's position. Such a transfer is one call, so it is not
+/// disturbed by others that share the position; what becomes of that is open.
+struct OVERLAPPED {
+  std::uint32_t Offset;      ///< The low 32 bits.
+  std::uint32_t OffsetHigh;  ///< The high 32 bits.
+};
+/// `ReadFile` from the place `at`.
+bool ReadFile(HANDLE file, void* buffer, std::uint32_t count, std::uint32_t* done, const OVERLAPPED& at);
+/// `WriteFile` from the place `at` on.
+bool WriteFile(HANDLE file, const void* buffer, std::uint32_t count, std::uint32_t* done, const OVERLAPPED& at);
 /// Moves the file's position by `distance` bytes from `origin` and gives the low 32 bits of the new one.
 std::uint32_t SetFilePointer(HANDLE file, std::int32_t distance, std::uint32_t origin);
 /// The low 32 bits of the file's size in bytes.

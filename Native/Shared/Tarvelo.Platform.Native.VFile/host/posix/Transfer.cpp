@@ -25,29 +25,57 @@ bool IsWritable(int descriptor) {
   return (flags & O_ACCMODE) != O_RDONLY || Fail(ERROR_ACCESS_DENIED);
 }
 
-}  // namespace
+off_t PlaceOf(const OVERLAPPED& at) { return static_cast<off_t>(std::uint64_t{at.OffsetHigh} << 32 | at.Offset); }
 
-bool ReadFile(HANDLE file, void* buffer, std::uint32_t count, std::uint32_t* done) {
-  const int descriptor = DescriptorFromHandle(file);
+/// Reads by `call`, which gives what the system's call gives.
+template <typename Call>
+bool Read(int descriptor, std::uint32_t* done, Call call) {
   ssize_t got;
   do {
-    got = read(descriptor, buffer, count);
+    got = call();
   } while (got < 0 && errno == EINTR);
   *done = got < 0 ? 0 : static_cast<std::uint32_t>(got);
   return got >= 0 || Fail(TransferError(errno, descriptor));
 }
 
-bool WriteFile(HANDLE file, const void* buffer, std::uint32_t count, std::uint32_t* done) {
-  const int descriptor = DescriptorFromHandle(file);
-  const auto* next = static_cast<const char*>(buffer);
+/// Writes by `call`, which writes what is left behind the bytes written.
+template <typename Call>
+bool Write(int descriptor, std::uint32_t count, std::uint32_t* done, Call call) {
   std::uint32_t written = 0;
   ssize_t put = 0;
   do {
-    put = write(descriptor, next + written, count - written);
+    put = call(written);
     if (put > 0) written += static_cast<std::uint32_t>(put);
   } while (written < count && (put > 0 || (put < 0 && errno == EINTR)));
   *done = written;
   return put >= 0 || written > 0 || Fail(TransferError(errno, descriptor));
+}
+
+}  // namespace
+
+bool ReadFile(HANDLE file, void* buffer, std::uint32_t count, std::uint32_t* done) {
+  const int descriptor = DescriptorFromHandle(file);
+  return Read(descriptor, done, [&] { return read(descriptor, buffer, count); });
+}
+
+bool ReadFile(HANDLE file, void* buffer, std::uint32_t count, std::uint32_t* done, const OVERLAPPED& at) {
+  const int descriptor = DescriptorFromHandle(file);
+  return Read(descriptor, done, [&] { return pread(descriptor, buffer, count, PlaceOf(at)); });
+}
+
+bool WriteFile(HANDLE file, const void* buffer, std::uint32_t count, std::uint32_t* done) {
+  const int descriptor = DescriptorFromHandle(file);
+  const auto* bytes = static_cast<const char*>(buffer);
+  return Write(descriptor, count, done,
+               [&](std::uint32_t written) { return write(descriptor, bytes + written, count - written); });
+}
+
+bool WriteFile(HANDLE file, const void* buffer, std::uint32_t count, std::uint32_t* done, const OVERLAPPED& at) {
+  const int descriptor = DescriptorFromHandle(file);
+  const auto* bytes = static_cast<const char*>(buffer);
+  return Write(descriptor, count, done, [&](std::uint32_t written) {
+    return pwrite(descriptor, bytes + written, count - written, PlaceOf(at) + static_cast<off_t>(written));
+  });
 }
 
 std::uint32_t SetFilePointer(HANDLE file, std::int32_t distance, std::uint32_t origin) {
