@@ -36,6 +36,11 @@
 #include "host/Unit.h"
 #include "hsys/Res.h"
 
+class HFile;
+namespace hfile {
+std::int64_t BytesLeft(const HFile& file);
+}
+
 class VFILE_API HFile {
  public:
   /// A closed object.
@@ -286,6 +291,8 @@ class VFILE_API HFile {
                        /// @}
 
  private:
+  friend std::int64_t hfile::BytesLeft(const HFile& file);
+
   void Init();
   bool OpenWith(const TChar* name, std::uint32_t access, std::uint32_t share, std::uint32_t disposition,
                 std::uint32_t hint);

@@ -1,5 +1,6 @@
 #include <cstring>
 
+#include "hfile/BytesLeft.h"
 #include "hfile/HFile.h"
 #include "host/Host.h"
 #include "hsys/Numbers.h"
@@ -80,6 +81,15 @@ std::int32_t HFile::Length() const {
   const std::uint32_t size = host::GetFileSize(handle);
   return size == host::INVALID_FILE_SIZE ? 0 : Int(size);
 }
+
+std::int64_t hfile::BytesLeft(HANDLE file) {
+  std::int64_t size = 0;
+  if (host::GetFileType(file) != host::FILE_TYPE_DISK || !host::GetFileSizeEx(file, &size)) return -1;
+  const std::uint32_t position = host::SetFilePointer(file, 0, host::FILE_CURRENT);
+  return position == host::INVALID_SET_FILE_POINTER ? -1 : size - position;
+}
+
+std::int64_t hfile::BytesLeft(const HFile& file) { return BytesLeft(file.handle); }
 
 void HFile::Truncate() {
   if (!IsOpen()) {

@@ -131,6 +131,14 @@ bool WriteFile(HANDLE file, const void* buffer, std::uint32_t count, std::uint32
 std::uint32_t SetFilePointer(HANDLE file, std::int32_t distance, std::uint32_t origin);
 /// The low 32 bits of the file's size in bytes.
 std::uint32_t GetFileSize(HANDLE file);
+/// The file's size in bytes.
+bool GetFileSizeEx(HANDLE file, std::int64_t* size);
+
+inline constexpr std::uint32_t FILE_TYPE_UNKNOWN = 0;
+inline constexpr std::uint32_t FILE_TYPE_DISK = 1;
+/// What the handle leads to: FILE_TYPE_DISK for a file on a disk, which has a size and positions.
+std::uint32_t GetFileType(HANDLE file);
+
 /// Makes the position the end of the file.
 bool SetEndOfFile(HANDLE file);
 /// Has the system write its buffers for the file through to the device.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "vfile/BlkPool.h"
 #include "vfile/NewChain.h"
 #include "vfile/Require.h"
 #include "vfile/Walk.h"
@@ -13,85 +14,82 @@
 void VFile::InitChange(std::int32_t position) {
   BlkRdr target = cur;
   vfile::Walk(target, first, last, length, position, true);
-  MoveTo(target);
+  if (!MoveTo(target)) return;
   pos = position;
   eof = false;
   if (bufValid) return;
   if (!MakeBuf()) {
-    res = resHeapOverflow;
+    Refuse();
     return;
   }
   if (cur.ptr->addr == -1) {
     if (!vfile::Require(TSTR("InitChange"), cur.ptr->len == 0, TSTR("cur.ptr->len>0"))) return;
-    AllocBuf(cur.ptr->addr, BlkSize);
-  } else if (cur.ptr->len > 0) {
-    vm->Get(cur.ptr->addr, buf, cur.ptr->len);
+    cur.ptr->addr = pool->TakePage();
+    if (cur.ptr->addr == -1) Refuse();
+  } else if (!vm->GetBlock(cur.ptr->addr, buf, cur.ptr->len)) {
+    Refuse();
   }
-  bufValid = true;
+  bufValid = res == resDone;
 }
 
-/// Takes out `del` bytes at the cursor, which are there, and puts in `n` bytes, which fit the current block behind the
-/// cursor, and the new chain. Leaves `length` and `pos` to the caller. A failure is `resHeapOverflow` in `res`, with the file
-/// unchanged and the chain left with the caller.
-void VFile::DoChange(std::int32_t del, const void* bytes, std::int32_t n, NewChain& chain) {
+/// Takes out `del` bytes at the cursor, which are there, and puts in `ins` bytes: `n` of them, which fit the current block behind
+/// the cursor, and the new chain. Leaves `pos` to the caller. False on a failure, with its reason in `res`, the file as it was, and
+/// the chain left with the caller.
+///
+/// All pages are copied first: behind the current block into the new chain, which is nobody's yet, or, as the last of them, inside
+/// the page of a block that is cut. Then links and lengths change, and nothing can fail any more.
+bool VFile::DoChange(std::int32_t del, const void* bytes, std::int32_t n, NewChain& chain, std::int32_t ins) {
   const std::int32_t rest = cur.ptr->len - cur.ix;
-  // The only step that can fail comes first.
-  if (del < rest && !SaveTail(cur.ix + del, chain)) return;
-  if (del > rest) CutBehind(del - rest, chain);
+  if (del < rest && !SaveTail(cur.ix + del, chain)) return false;
+  // The first block behind the current one that stays, and its bytes if it is cut.
+  BlkDesc* kept = cur.ptr->next;
+  std::int32_t keptLen = 0;
+  if (!CutBehind(std::max(del - rest, 0), chain, kept, keptLen)) return false;
+  if (!JoinBehind(chain, kept)) return false;
+
   bufDirty = true;
   if (n > 0) std::memcpy(buf + cur.ix, bytes, static_cast<std::size_t>(n));
   cur.ptr->len = static_cast<std::int16_t>(cur.ix + n);
-  if (!chain.IsEmpty()) JoinBehind(chain);
+  while (cur.ptr->next != kept) Unlink(cur.ptr->next);
+  if (keptLen > 0) kept->len = static_cast<std::int16_t>(keptLen);
+  if (!chain.IsEmpty()) LinkBehind(cur.ptr, chain);
+  length = length - del + ins;
   CheckCurLen();
+  return true;
 }
 
 /// Puts what the current block holds from index `from` on behind the new chain: into its last block, or one more.
 bool VFile::SaveTail(std::int32_t from, NewChain& chain) {
   const std::int32_t count = cur.ptr->len - from;
-  if (!chain.HasRoom(count)) return chain.Append(buf + from, count);
-  BlkDesc* p2 = chain.p2;
-  vm->Set(p2->addr + p2->len, buf + from, static_cast<std::int16_t>(count));
-  p2->len = static_cast<std::int16_t>(p2->len + count);
-  vfile::Require(TSTR("DoChange"), p2->len <= BlkSize, TSTR("Append: p2->len > BlkSize"));
+  if (chain.HasRoom(count)) return chain.Append(buf + from, count);
+  return chain.AddBlock(count) && chain.Fill(buf + from);
+}
+
+/// Settles what stays when `count` bytes behind the current block go out: whole blocks, unread, and the first part of the one
+/// behind them, whose rest moves to the new chain or to the start of its page.
+bool VFile::CutBehind(std::int32_t count, NewChain& chain, BlkDesc*& kept, std::int32_t& keptLen) {
+  while (kept != nullptr && count >= kept->len) {
+    count -= kept->len;
+    kept = kept->next;
+  }
+  if (count == 0) return true;
+  if (!vfile::Require(TSTR("DoChange"), kept != nullptr, TSTR("cut out: i too big"))) return Refuse();
+  const std::int32_t left = kept->len - count;
+  if (!chain.HasRoom(left)) {
+    keptLen = left;
+    return vm->CopyBlock(kept->addr, kept->addr + count, left) || Refuse();
+  }
+  if (!chain.AppendFromPage(kept->addr + count, left)) return false;
+  kept = kept->next;
   return true;
 }
 
-/// Takes out `count` bytes behind the current block: whole blocks unread, the first part of the one behind them.
-void VFile::CutBehind(std::int32_t count, NewChain& chain) {
-  static constexpr const TChar* kProc = TSTR("DoChange");
-  BlkDesc* current = cur.ptr;
-  while (current->next != nullptr && count >= current->next->len) {
-    count -= current->next->len;
-    Unlink(current->next);
-  }
-  if (count == 0) return;
-  BlkDesc* p = current->next;
-  if (!vfile::Require(kProc, p != nullptr && count < p->len, TSTR("cut out: i too big"))) return;
-  const auto left = static_cast<std::int16_t>(p->len - count);
-  if (chain.HasRoom(left)) {
-    AppendFromPage(chain.p2, p->addr + count, left);
-    if (!vfile::Require(kProc, chain.p2->len <= BlkSize, TSTR("cut out: p2->len > BlkSize"))) return;
-    Unlink(p);
-  } else {
-    vm->CopyBytes(p->addr, p->addr + count, left);
-    p->len = left;
-  }
-}
-
-/// Links the new chain in behind the current block, and joins its last block with the one behind if both fit one.
-void VFile::JoinBehind(NewChain& chain) {
-  BlkDesc* p2 = chain.p2;
-  LinkBehind(cur.ptr, chain);
-  BlkDesc* q = p2->next;
-  if (q == nullptr || p2->len + q->len > BlkSize) return;
-  AppendFromPage(p2, q->addr, q->len);
-  Unlink(q);
-}
-
-/// Copies `count` bytes at `addr` behind those of the block `p`, which has room.
-void VFile::AppendFromPage(BlkDesc* p, std::int32_t addr, std::int16_t count) {
-  vm->CopyBytes(p->addr + p->len, addr, count);
-  p->len = static_cast<std::int16_t>(p->len + count);
+/// Joins the last block of the new chain with the one behind if both fit one.
+bool VFile::JoinBehind(NewChain& chain, BlkDesc*& kept) {
+  if (kept == nullptr || !chain.HasRoom(kept->len)) return true;
+  if (!chain.AppendFromPage(kept->addr, kept->len)) return false;
+  kept = kept->next;
+  return true;
 }
 
 /// Restores C5 and C8 after a change of the current block's length: an empty one goes, and the cursor stands at the start of
@@ -112,6 +110,7 @@ void VFile::CheckCurLen() {
     cur.ix = cur.ptr->len;
     Unlink(empty);
   } else if (empty->addr != -1) {
+    // A page that the virtual memory cannot take back stays with the block.
     vm->Dealloc(empty->addr, BlkSize);
   }
 }

@@ -35,10 +35,9 @@ class Comparison::FileBytes {
   explicit FileBytes(const VFile& file) : file_(file) { file_.SetPosC(reader_, 0); }
 
   std::size_t Length() const { return static_cast<std::size_t>(file_.length); }
-  /// The next `count` bytes, at most `BlkSize`, which are there. Good until the next call.
+  /// The next `count` bytes, at most `BlkSize`, which are there; null behind a halt that returned. Good until the next call.
   const unsigned char* Next(std::size_t count) {
-    file_.ReadBytesC(reader_, bytes_, static_cast<std::int32_t>(count));
-    return bytes_;
+    return file_.ReadBytesC(reader_, bytes_, static_cast<std::int32_t>(count)) ? bytes_ : nullptr;
   }
 
  private:
@@ -71,7 +70,11 @@ int Comparison::Difference(const VFile& left, Right& right, std::size_t count) {
   int difference = 0;
   while (count > 0 && difference == 0) {
     const std::size_t chunk = std::min(count, std::size_t{BlkSize});
-    difference = std::memcmp(bytes.Next(chunk), right.Next(chunk), chunk);
+    // The left side is read first.
+    const void* leftBytes = bytes.Next(chunk);
+    const void* rightBytes = right.Next(chunk);
+    if (leftBytes == nullptr || rightBytes == nullptr) return 1;
+    difference = std::memcmp(leftBytes, rightBytes, chunk);
     count -= chunk;
   }
   return difference;

@@ -15,26 +15,29 @@ void VFile::SetPosC(BlkRdr& rd, std::int32_t position) const {
   vfile::Walk(rd, first, last, length, std::min(position, length), false);
 }
 
-void VFile::ReadBytesC(BlkRdr& rd, void* buffer, std::int32_t count) const {
+/// False behind a halt that returned.
+bool VFile::ReadBytesC(BlkRdr& rd, void* buffer, std::int32_t count) const {
   static constexpr const TChar* kProc = TSTR("ReadBytesC");
   const bool valid = count <= length - (rd.base + rd.ix) && count >= 0 && buffer != nullptr;
-  if (!vfile::Require(kProc, valid, TSTR("call error"))) return;
+  if (!vfile::Require(kProc, valid, TSTR("call error"))) return false;
   auto* target = static_cast<unsigned char*>(buffer);
   while (count > 0) {
-    if (!StepC(rd, kProc)) return;
+    if (!StepC(rd, kProc)) return false;
     const auto n = static_cast<std::int16_t>(std::min(rd.ptr->len - rd.ix, count));
-    CopyC(rd, target, n);
+    if (!CopyC(rd, target, n)) return false;
     rd.ix = static_cast<std::int16_t>(rd.ix + n);
     target += n;
     count -= n;
   }
+  return true;
 }
 
-void VFile::ReadByteC(BlkRdr& rd, unsigned char& byte) const {
+bool VFile::ReadByteC(BlkRdr& rd, unsigned char& byte) const {
   static constexpr const TChar* kProc = TSTR("ReadByteC");
-  if (!vfile::Require(kProc, rd.base + rd.ix < length, TSTR("call error")) || !StepC(rd, kProc)) return;
-  CopyC(rd, &byte, 1);
+  if (!vfile::Require(kProc, rd.base + rd.ix < length, TSTR("call error")) || !StepC(rd, kProc)) return false;
+  if (!CopyC(rd, &byte, 1)) return false;
   ++rd.ix;
+  return true;
 }
 
 /// Steps to the next block while the cursor is at the end of its own.
@@ -47,10 +50,8 @@ bool VFile::StepC(BlkRdr& rd, const TChar* proc) const {
 }
 
 /// Copies `count` bytes of the cursor's block.
-void VFile::CopyC(const BlkRdr& rd, void* buffer, std::int16_t count) const {
-  if (rd.ptr == cur.ptr && bufValid) {
-    std::memcpy(buffer, buf + rd.ix, static_cast<std::size_t>(count));
-  } else {
-    vm->Get(rd.ptr->addr + rd.ix, buffer, count);
-  }
+bool VFile::CopyC(const BlkRdr& rd, void* buffer, std::int16_t count) const {
+  if (rd.ptr != cur.ptr || !bufValid) return vm->GetBlock(rd.ptr->addr + rd.ix, buffer, count);
+  std::memcpy(buffer, buf + rd.ix, static_cast<std::size_t>(count));
+  return true;
 }

@@ -20,14 +20,15 @@ void VFile::CheckInvariants() const {
     std::int64_t total = 0;
     const BlkDesc* prev = nullptr;
     bool foundCur = false;
+    std::int32_t blocks = 0;
     for (const BlkDesc* p = first; p != nullptr; prev = p, p = p->next) {
-      if (!Holds(p->prev == prev, TSTR("C1"))) return;
+      if (!Holds(p->prev == prev && ++blocks <= blockCount, TSTR("C1"))) return;
       if (p == cur.ptr) foundCur = Holds(total == cur.base, TSTR("C3"));
       Holds(p->len > 0 || length == 0, TSTR("C5"));
       Holds(p->len >= 0 && p->len <= BlkSize && (p->len == 0 || (p->addr >= 0 && p->addr % BlkSize == 0)), TSTR("C6"));
       total += p->len;
     }
-    Holds(prev == last, TSTR("C1"));
+    Holds(prev == last && blocks == blockCount, TSTR("C1"));
     Holds(total == length, TSTR("C2"));
     Holds(foundCur && cur.ix >= 0 && cur.ix <= cur.ptr->len && cur.base + cur.ix == pos, TSTR("C3"));
     Holds(length > 0 || first == last, TSTR("C4"));

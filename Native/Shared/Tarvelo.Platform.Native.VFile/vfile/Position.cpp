@@ -13,9 +13,9 @@ void VFile::SetPos(std::int32_t position) {
   position = std::min(position, length);
   BlkRdr target = cur;
   vfile::Walk(target, first, last, length, position, false);
-  MoveTo(target);
-  pos = position;
   res = resDone;
+  if (!MoveTo(target)) return;
+  pos = position;
   eof = false;
 }
 

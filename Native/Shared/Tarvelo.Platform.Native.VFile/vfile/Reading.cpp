@@ -27,8 +27,10 @@ void VFile::ReadByte(unsigned char& byte) {
   }
   if (LoadBuf()) [[likely]] {
     byte = buf[cur.ix];
-  } else {
-    vm->Get(cur.ptr->addr + cur.ix, byte);
+  } else if (!CopyUnbuffered(cur.ix, &byte, 1)) {
+    byte = 0;
+    eof = true;
+    return;
   }
   Skip(1);
 }
@@ -41,8 +43,10 @@ void VFile::ReadPrevByte(unsigned char& byte) {
   }
   if (LoadBuf()) [[likely]] {
     byte = buf[cur.ix - 1];
-  } else {
-    vm->Get(cur.ptr->addr + cur.ix - 1, byte);
+  } else if (!CopyUnbuffered(cur.ix - 1, &byte, 1)) {
+    byte = 0;
+    eof = true;
+    return;
   }
   Skip(-1);
 }
@@ -62,8 +66,10 @@ std::int32_t VFile::ReadBytes(void* buffer, std::int32_t count) {
     const std::int32_t n = std::min(cur.ptr->len - cur.ix, count - got);
     if (bufValid) {
       std::memcpy(target + got, buf + cur.ix, static_cast<std::size_t>(n));
-    } else {
-      vm->Get(cur.ptr->addr + cur.ix, target + got, static_cast<std::int16_t>(n));
+    } else if (!vm->GetBlock(cur.ptr->addr + cur.ix, target + got, n)) {
+      Refuse();
+      eof = true;
+      return got;
     }
     got += n;
     Skip(n);

@@ -4,13 +4,16 @@
 #include <algorithm>
 #include <cstring>
 
+#include "hfile/BytesLeft.h"
 #include "host/Host.h"
 #include "hsys/Checked.h"
+#include "vfile/BlkPool.h"
 #include "vfile/NewChain.h"
 #include "vfile/Require.h"
+#include "vfile/Walk.h"
 #include "vmem/VMem.h"
 
-// ---- Sources: each gives the next `count` bytes, if need be in `spare` ----
+// ---- Sources: each gives the next `count` bytes, if need be in `spare`; null if they are refused ----
 
 class VFile::BufferSource {
  public:
@@ -18,7 +21,7 @@ class VFile::BufferSource {
 
   const void* Take(void* /*spare*/, std::int32_t count) {
     const unsigned char* bytes = next_;
-    if (count > 0) next_ += count;
+    next_ += count;
     return bytes;
   }
 
@@ -32,8 +35,7 @@ class VFile::FileSource {
 
   const void* Take(void* spare, std::int32_t count) {
     if (rd_.ptr == nullptr) file_.SetPosC(rd_, position_);
-    if (count > 0) file_.ReadBytesC(rd_, spare, count);
-    return spare;
+    return file_.ReadBytesC(rd_, spare, count) ? spare : nullptr;
   }
 
  private:
@@ -41,6 +43,16 @@ class VFile::FileSource {
   std::int32_t position_;
   BlkRdr rd_;
 };
+
+/// Copies the next `count` bytes of a source to `target`.
+template <typename Source>
+bool VFile::CopyFrom(Source& source, void* target, std::int32_t count) {
+  if (count == 0) return true;
+  const void* bytes = source.Take(target, count);
+  if (bytes == nullptr) return Refuse();
+  if (bytes != target) std::memcpy(target, bytes, static_cast<std::size_t>(count));
+  return true;
+}
 
 // ---- Steps ----
 
@@ -64,17 +76,32 @@ bool VFile::Clamp(std::int32_t& position, std::int32_t& del, std::int32_t count)
   return res == resDone;
 }
 
+/// The rest of step 4: whether the thread's space has the pages that a change takes before it gives any back. `ownBlocks` says
+/// that all its bytes come in blocks of their own.
+bool VFile::SpaceHolds(std::int32_t position, std::int32_t del, std::int32_t count, bool ownBlocks) {
+  const std::int32_t left = pool->PagesLeft();
+  // The least that a change of so many bytes can do with is not far below the most.
+  constexpr std::int32_t kMostBeside = 3;
+  if (left >= count / BlkSize + kMostBeside) [[likely]]
+    return true;
+  BlkRdr target = cur;
+  vfile::Walk(target, first, last, length, position, true);
+  std::int32_t pages = target.ptr->addr == -1 ? 1 : 0;
+  if (ownBlocks || !FitsInBlock(target, del, count)) {
+    const std::int32_t chained = count - (ownBlocks ? 0 : std::min(count, BlkSize - target.ix));
+    const std::int32_t lastLen = chained % BlkSize;
+    const std::int32_t tail = target.ptr->len - target.ix - del;
+    const bool tailFits = lastLen > 0 && lastLen + tail <= BlkSize;
+    pages += chained / BlkSize + (lastLen > 0 ? 1 : 0) + (tail > 0 && !tailFits ? 1 : 0);
+  }
+  if (pages > left) res = resTooLong;
+  return pages <= left;
+}
+
 /// The question of step 5.
 bool VFile::Allow(std::int32_t position, std::int32_t del, std::int32_t ins) {
   res = PreChange(position, del, ins);
   return res == resDone;
-}
-
-/// The end of step 5.
-void VFile::Changed(std::int32_t position, std::int32_t del, std::int32_t ins) {
-  length -= del;
-  length += ins;
-  PostChange(position, del, ins);
 }
 
 /// Step 6.
@@ -85,17 +112,20 @@ void VFile::Finish(std::int32_t position) {
 
 // ---- The change of a buffer or a file, whose arguments are settled ----
 
-/// Whether the change stays inside the current block.
-bool VFile::FitsInBlock(std::int32_t del, std::int32_t count) const {
-  return del <= cur.ptr->len - cur.ix && count <= BlkSize - (cur.ptr->len - del);
+/// Whether the change stays inside the cursor's block.
+bool VFile::FitsInBlock(const BlkRdr& cursor, std::int32_t del, std::int32_t count) {
+  return del <= cursor.ptr->len - cursor.ix && count <= BlkSize - (cursor.ptr->len - del);
 }
 
 template <typename Source>
-bool VFile::ChangeFrom(Source& source, std::int32_t position, std::int32_t del, std::int32_t count) {
-  const bool done = FitsInBlock(del, count) ? ChangeInBlock(source, position, del, count)
-                                            : ChangeByChain(source, position, del, count);
-  if (done) Changed(position, del, count);
-  return done;
+void VFile::ChangeFrom(Source& source, std::int32_t position, std::int32_t del, std::int32_t count) {
+  if (del > 0 || count > 0) {
+    const bool done = FitsInBlock(cur, del, count) ? ChangeInBlock(source, position, del, count)
+                                                   : ChangeByChain(source, position, del, count);
+    if (!done) return;
+    PostChange(position, del, count);
+  }
+  Finish(position + count);
 }
 
 /// Touches the scratch buffer alone.
@@ -104,12 +134,14 @@ bool VFile::ChangeInBlock(Source& source, std::int32_t position, std::int32_t de
   if (!Allow(position, del, count)) return false;
   // The source may be this file, so its bytes come before any moves.
   unsigned char spare[BlkSize];
-  const void* bytes = source.Take(spare, count);
+  const void* bytes = count > 0 ? source.Take(spare, count) : nullptr;
+  if (count > 0 && bytes == nullptr) return Refuse();
   unsigned char* at = buf + cur.ix;
   const std::int32_t tail = cur.ptr->len - cur.ix - del;
   if (tail > 0 && del != count) std::memmove(at + count, at + del, static_cast<std::size_t>(tail));
   if (count > 0) std::memcpy(at, bytes, static_cast<std::size_t>(count));
   cur.ptr->len = static_cast<std::int16_t>(cur.ptr->len - del + count);
+  length = length - del + count;
   bufDirty = true;
   CheckCurLen();
   return true;
@@ -119,19 +151,20 @@ bool VFile::ChangeInBlock(Source& source, std::int32_t position, std::int32_t de
 /// asked, so that a refusal can throw them away.
 template <typename Source>
 bool VFile::ChangeByChain(Source& source, std::int32_t position, std::int32_t del, std::int32_t count) {
-  unsigned char headSpare[BlkSize];
+  unsigned char head[BlkSize];
   const std::int32_t n = std::min(count, BlkSize - cur.ix);
-  const void* head = source.Take(headSpare, n);
+  if (!CopyFrom(source, head, n)) return false;
   NewChain chain(*this);
-  unsigned char spare[BlkSize];
   for (std::int32_t left = count - n; left > 0;) {
     const std::int32_t part = std::min(left, BlkSize);
-    if (!chain.Append(source.Take(spare, part), part)) return false;
+    unsigned char spare[BlkSize];
+    if (!chain.AddBlock(part)) return false;
+    const void* bytes = source.Take(spare, part);
+    if (bytes == nullptr) return Refuse();
+    if (!chain.Fill(bytes)) return false;
     left -= part;
   }
-  if (!Allow(position, del, count)) return false;
-  DoChange(del, head, n, chain);
-  return res == resDone;
+  return Allow(position, del, count) && DoChange(del, head, n, chain, count);
 }
 
 // ---- The primitives ----
@@ -142,13 +175,13 @@ void VFile::ReplaceBuf(std::int32_t position, std::int32_t del, const void* buff
   if (!Admit(position >= 0 && del >= 0 && count >= 0 && (buffer != nullptr || count == 0))) return;
   if (!Clamp(position, del, count)) return;
   if (del > 0 || count > 0) {
+    if (!SpaceHolds(position, del, count, false)) return;
     InitChange(position);
     if (res != resDone) return;
     if (type > 0 && count > 0 && FlagOn(vfEolScan) && !FlagOn(vfNoEolScan)) CheckEOL(buffer, count);
-    BufferSource source(buffer);
-    if (!ChangeFrom(source, position, del, count)) return;
   }
-  Finish(position + count);
+  BufferSource source(buffer);
+  ChangeFrom(source, position, del, count);
 }
 
 void VFile::ReplaceCh(std::int32_t position, std::int32_t del, char ch, std::int32_t count) {
@@ -178,41 +211,51 @@ void VFile::ReplaceTxt(std::int32_t position, std::int32_t del, const VFile& sou
   if (sameLen) del = count;
   if (!Clamp(position, del, count)) return;
   if (del > 0 || count > 0) {
+    if (!SpaceHolds(position, del, count, false)) return;
     InitChange(position);
     if (res != resDone) return;
-    FileSource bytes(source, sourcePos);
-    if (!ChangeFrom(bytes, position, del, count)) return;
   }
-  Finish(position + count);
+  FileSource bytes(source, sourcePos);
+  ChangeFrom(bytes, position, del, count);
 }
 
 void VFile::ReplaceFile(std::int32_t position, std::int32_t del, HFile& source, std::int32_t count) {
-  ReplaceByReading(position, del, source.IsOpen(), count, [&](void* buffer, std::int32_t size, std::int32_t& failure) {
+  const auto bytesLeft = [&] { return hfile::BytesLeft(source); };
+  const auto readPiece = [&](void* buffer, std::int32_t size, std::int32_t& failure) {
     const std::int32_t got = source.ReadBytes(buffer, size);
     failure = source.res == resDone ? std::int32_t{resDone} : GetFileRes(source);
     return got;
-  });
+  };
+  ReplaceByReading(position, del, source.IsOpen(), count, bytesLeft, readPiece);
 }
 
 void VFile::ReplaceFile(std::int32_t position, std::int32_t del, HANDLE source, std::int32_t count) {
-  const bool open = source != INVALID_HANDLE_VALUE;
-  ReplaceByReading(position, del, open, count, [&](void* buffer, std::int32_t size, std::int32_t& failure) {
+  const auto bytesLeft = [&] { return hfile::BytesLeft(source); };
+  const auto readPiece = [&](void* buffer, std::int32_t size, std::int32_t& failure) {
     std::uint32_t got = 0;
     const bool read = host::ReadFile(source, buffer, static_cast<std::uint32_t>(size), &got);
     failure = read ? std::int32_t{resDone} : GetFileRes();
     return static_cast<std::int32_t>(got);
-  });
+  };
+  ReplaceByReading(position, del, source != INVALID_HANDLE_VALUE, count, bytesLeft, readPiece);
 }
 
 /// The primitive of a source that is read before anything else is looked at, and always comes in as blocks of its own, one
-/// for each piece. `readPiece` reads up to a number of bytes into a buffer, gives how many, and sets the failure.
-template <typename ReadPiece>
+/// for each piece. `bytesLeft` tells what a regular file has, so that one which the space cannot hold is not read at all.
+/// `readPiece` reads up to a number of bytes into a buffer, gives how many, and sets the failure.
+template <typename BytesLeft, typename ReadPiece>
 void VFile::ReplaceByReading(std::int32_t position, std::int32_t del, bool open, std::int32_t count,
-                             ReadPiece readPiece) {
+                             BytesLeft bytesLeft, ReadPiece readPiece) {
   if (!OnOwnerThread() || res != resDone) return;
   const bool sameLen = del == SameLen;
   if (sameLen) del = 0;
   if (!Admit(position >= 0 && del >= 0 && count >= 0 && open)) return;
+  if (pool->PagesLeft() <= count / BlkSize + 1) {
+    const auto expected = static_cast<std::int32_t>(std::min<std::int64_t>(bytesLeft(), count));
+    const std::int32_t at = std::min(position, length);
+    const std::int32_t out = std::min(sameLen ? expected : del, length - at);
+    if (expected > 0 && !SpaceHolds(at, out, expected, true)) return;
+  }
   NewChain chain(*this);
   std::int32_t total = 0;
   while (total < count) {
@@ -224,7 +267,7 @@ void VFile::ReplaceByReading(std::int32_t position, std::int32_t del, bool open,
       return;
     }
     if (got == 0) break;
-    if (!chain.Append(piece, got)) return;
+    if (!chain.AddBlock(got) || !chain.Fill(piece)) return;
     total += got;
   }
   if (total < count && count != MaxLen) {
@@ -236,9 +279,8 @@ void VFile::ReplaceByReading(std::int32_t position, std::int32_t del, bool open,
   if (del > 0 || total > 0) {
     InitChange(position);
     if (res != resDone || !Allow(position, del, total)) return;
-    DoChange(del, nullptr, 0, chain);
-    if (res != resDone) return;
-    Changed(position, del, total);
+    if (!DoChange(del, nullptr, 0, chain, total)) return;
+    PostChange(position, del, total);
   }
   Finish(position + total);
 }

@@ -7,6 +7,9 @@
 //                                                          empty block: 1
 //
 // Whoever moves `cur` to another block does it by MoveTo.
+//
+// A page that cannot be read or written is a halt of the virtual memory. Behind one that returned nothing has moved, the bytes
+// are where they were, and `res` is `resHeapOverflow`.
 
 #include <new>
 
@@ -19,34 +22,47 @@ bool VFile::MakeBuf() {
   return buf != nullptr;
 }
 
-/// Sees to it that the buffer holds the current block, which has bytes; false if there is no buffer.
+/// Ends an operation that the heap or the virtual memory refused.
+bool VFile::Refuse() {
+  // A reason that is known stays.
+  if (res == resDone) res = resHeapOverflow;
+  return false;
+}
+
+/// Sees to it that the buffer holds the current block, which has bytes; false if there is no buffer, or its page was refused.
 bool VFile::LoadBuf() {
   if (bufValid) return true;
   if (!MakeBuf()) return false;
-  vm->Get(cur.ptr->addr, buf, cur.ptr->len);
+  if (!vm->GetBlock(cur.ptr->addr, buf, cur.ptr->len)) return Refuse();
   bufValid = true;
   return true;
 }
 
-void VFile::WriteBack() {
-  if (!bufDirty) return;
-  vm->Set(cur.ptr->addr, buf, cur.ptr->len);
-  bufDirty = false;
+/// Copies bytes of the current block where `LoadBuf` has failed: for want of a buffer, or there is nothing to be had.
+bool VFile::CopyUnbuffered(std::int32_t ix, void* bytes, std::int32_t count) {
+  return buf == nullptr && (vm->GetBlock(cur.ptr->addr + ix, bytes, count) || Refuse());
 }
 
-void VFile::MoveTo(const BlkRdr& target) {
+bool VFile::WriteBack() {
+  if (bufDirty && !vm->SetBlock(cur.ptr->addr, buf, cur.ptr->len)) return Refuse();
+  bufDirty = false;
+  return true;
+}
+
+bool VFile::MoveTo(const BlkRdr& target) {
   if (target.ptr != cur.ptr) {
-    WriteBack();
+    if (!WriteBack()) return false;
     bufValid = false;
   }
   cur = target;
+  return true;
 }
 
 /// Steps to the next block while the cursor is at the end of its own; false at the end of the file.
 bool VFile::StepForward() {
   while (cur.ix >= cur.ptr->len) {
     if (cur.ptr->next == nullptr) return false;
-    MoveTo({cur.ptr->next, cur.base + cur.ptr->len, 0});
+    if (!MoveTo({cur.ptr->next, cur.base + cur.ptr->len, 0})) return false;
   }
   return true;
 }
@@ -56,26 +72,27 @@ bool VFile::StepBackward() {
   while (cur.ix < 1) {
     BlkDesc* prev = cur.ptr->prev;
     if (prev == nullptr) return false;
-    MoveTo({prev, cur.base - prev->len, prev->len});
+    if (!MoveTo({prev, cur.base - prev->len, prev->len})) return false;
   }
   return true;
 }
 
-/// The bytes of the current block, which has some: in the buffer, or in `spare` where there is none.
+/// The bytes of the current block, which has some: in the buffer, or in `spare` where there is none; null if they are refused.
 const unsigned char* VFile::BlockBytes(RunBuffer& spare) {
   if (LoadBuf()) return buf;
-  vm->Get(cur.ptr->addr, spare.bytes, cur.ptr->len);
-  return spare.bytes;
+  return CopyUnbuffered(0, spare.bytes, cur.ptr->len) ? spare.bytes : nullptr;
 }
 
 VFile::Run VFile::RunForward(RunBuffer& spare) {
-  if (!StepForward()) return {nullptr, 0};
-  return {BlockBytes(spare) + cur.ix, cur.ptr->len - cur.ix};
+  const unsigned char* bytes = StepForward() ? BlockBytes(spare) : nullptr;
+  if (bytes == nullptr) return {nullptr, 0};
+  return {bytes + cur.ix, cur.ptr->len - cur.ix};
 }
 
 VFile::Run VFile::RunBackward(RunBuffer& spare) {
-  if (!StepBackward()) return {nullptr, 0};
-  return {BlockBytes(spare), cur.ix};
+  const unsigned char* bytes = StepBackward() ? BlockBytes(spare) : nullptr;
+  if (bytes == nullptr) return {nullptr, 0};
+  return {bytes, cur.ix};
 }
 
 void VFile::Skip(std::int32_t count) {
@@ -86,7 +103,7 @@ void VFile::Skip(std::int32_t count) {
 
 void VFile::Flush() {
   if (!OnOwnerThread()) return;
-  WriteBack();
+  if (!WriteBack()) return;
   bufValid = false;
   delete[] buf;
   buf = nullptr;

@@ -43,6 +43,7 @@ void VFile::Init() {
   bufValid = false;
   bufDirty = false;
   threadId = 0;
+  blockCount = 1;
   AttachThread();
 }
 
@@ -81,7 +82,7 @@ void VFile::AttachThread() {
 VFile::~VFile() noexcept(false) {
   if (!OnOwnerThread() || !vfile::Require(vfile::GetOpenFileCount() > 0)) return;
   // What is in `buf` alone dies with the object.
-  pool->DisposeChain(first, last);
+  pool->DisposeChain(first, last, blockCount);
   delete[] buf;
   buf = nullptr;
   threadId = 0;

@@ -29,7 +29,8 @@
 /// queries do not look. All files of a thread share its `VMem`.
 ///
 /// Halts: besides the thread check, only for a broken invariant, and where the virtual memory fails: a full disk under the
-/// swap file halts under "VMem".
+/// swap file halts under "VMem". Behind that every file of the thread is sound, with its old or its new content. If the halt
+/// returned, the operation has stopped there, with `resHeapOverflow`.
 ///
 /// Sections of the class, each in the file of its name: life and settings (VFile.cpp), position (Position.cpp), reading
 /// (Reading.cpp), the five primitives of change (Replace.cpp), editing (Editing.cpp), operators (Operators.cpp), flags and
@@ -89,13 +90,15 @@ class VFILE_API VFile {
   ///   1. check the thread; return if `res` is not `resDone`;
   ///   2. refuse a negative argument, a null buffer with a count, a closed source: `resCallError`;
   ///   3. refuse a locked file (`resContextError`), then a read-only one (`resReadOnly`);
-  ///   4. clamp `pos` to the length and `del` to what is there; a result past 2^31-1 bytes is `resTooLong`;
+  ///   4. clamp `pos` to the length and `del` to what is there; a result past 2^31-1 bytes, or one for whose blocks the thread's
+  ///      space has no room, is `resTooLong`;
   ///   5. ask `PreChange`, change, tell `PostChange`;
   ///   6. `SetPos` behind the new bytes.
   ///
   /// A change of nothing by nothing does 1 to 4 and 6. `del` may be `SameLen`: as many as go in; or `MaxLen`: all to the end.
   /// A failure leaves the file unchanged; the position is unchanged up to step 4 and that of the change behind it. An
-  /// exhausted heap is `resHeapOverflow`.
+  /// exhausted heap is `resHeapOverflow`, and so is a halt of the virtual memory that returned. Where one throws, the file has
+  /// its old or its new content, and is sound.
   /// @{
 
   /// From memory.
@@ -540,7 +543,7 @@ class VFILE_API VFile {
   ///                                   |
   ///                                  buf     copy of the block's bytes, possibly newer than its page
   ///
-  ///     C1  The chain is doubly linked, and ends in null at both ends.
+  ///     C1  The chain of `blockCount` blocks is doubly linked, and ends in null at both ends.
   ///     C2  The `len` of all blocks add up to `length`.
   ///     C3  `cur.ptr` is a block of the chain, `cur.base` the sum of `len` before it, 0 <= `cur.ix` <= its `len`, and
   ///         `cur.base` + `cur.ix` = `pos`. A position between blocks has two forms; every operation takes both.
@@ -552,20 +555,21 @@ class VFILE_API VFile {
   ///         up to date. `len` is always current.
   /// @{
 
-  std::int32_t pos;        ///< position, 0 to `length`
-  std::int32_t length;     ///< bytes of the file
-  std::int32_t flags;      ///< flag word
-  std::int32_t type;       ///< given by `Type`
-  VMem* vm;                ///< the thread's
-  BlkPool* pool;           ///< the thread's
-  BlkDesc* first;          ///< first block, never null in a live object
-  BlkDesc* last;           ///< last block, likewise
-  BlkRdr cur;              ///< the object's cursor
-  unsigned char* buf;      ///< owned scratch buffer of `BlkSize` bytes, or null
-  bool bufValid;           ///< `buf` holds the bytes of `cur.ptr`
-  bool bufDirty;           ///< and they are newer than its page
-  std::uint32_t threadId;  ///< the constructing thread; 0 after the destructor
-                           /// @}
+  std::int32_t pos;         ///< position, 0 to `length`
+  std::int32_t length;      ///< bytes of the file
+  std::int32_t flags;       ///< flag word
+  std::int32_t type;        ///< given by `Type`
+  VMem* vm;                 ///< the thread's
+  BlkPool* pool;            ///< the thread's
+  BlkDesc* first;           ///< first block, never null in a live object
+  BlkDesc* last;            ///< last block, likewise
+  BlkRdr cur;               ///< the object's cursor
+  unsigned char* buf;       ///< owned scratch buffer of `BlkSize` bytes, or null
+  bool bufValid;            ///< `buf` holds the bytes of `cur.ptr`
+  bool bufDirty;            ///< and they are newer than its page
+  std::uint32_t threadId;   ///< the constructing thread; 0 after the destructor
+  std::int32_t blockCount;  ///< blocks of the chain
+                            /// @}
 
  private:
   class VFILE_LOCAL NewChain;
@@ -592,28 +596,29 @@ class VFILE_API VFile {
   bool SkipLf();
 
   // Scratch.cpp
+  bool Refuse();
   bool MakeBuf();
   bool LoadBuf();
-  void WriteBack();
-  void MoveTo(const BlkRdr& target);
+  bool CopyUnbuffered(std::int32_t ix, void* bytes, std::int32_t count);
+  bool WriteBack();
+  bool MoveTo(const BlkRdr& target);
   bool StepForward();
   bool StepBackward();
   const unsigned char* BlockBytes(RunBuffer& spare);
 
   // ConstReading.cpp
   void SetPosC(BlkRdr& rd, std::int32_t position) const;
-  void ReadByteC(BlkRdr& rd, unsigned char& byte) const;
-  void ReadBytesC(BlkRdr& rd, void* buffer, std::int32_t count) const;
+  bool ReadByteC(BlkRdr& rd, unsigned char& byte) const;
+  bool ReadBytesC(BlkRdr& rd, void* buffer, std::int32_t count) const;
   bool StepC(BlkRdr& rd, const TChar* proc) const;
-  void CopyC(const BlkRdr& rd, void* buffer, std::int16_t count) const;
+  bool CopyC(const BlkRdr& rd, void* buffer, std::int16_t count) const;
 
   // Change.cpp
   void InitChange(std::int32_t position);
-  void DoChange(std::int32_t del, const void* bytes, std::int32_t n, NewChain& chain);
+  bool DoChange(std::int32_t del, const void* bytes, std::int32_t n, NewChain& chain, std::int32_t ins);
   bool SaveTail(std::int32_t from, NewChain& chain);
-  void CutBehind(std::int32_t count, NewChain& chain);
-  void JoinBehind(NewChain& chain);
-  void AppendFromPage(BlkDesc* p, std::int32_t addr, std::int16_t count);
+  bool CutBehind(std::int32_t count, NewChain& chain, BlkDesc*& kept, std::int32_t& keptLen);
+  bool JoinBehind(NewChain& chain, BlkDesc*& kept);
   void CheckCurLen();
   void CheckEOL(const void* bytes, std::int32_t count);
 
@@ -621,17 +626,19 @@ class VFILE_API VFile {
   bool Admit(bool argumentsValid);
   bool Clamp(std::int32_t& position, std::int32_t& del, std::int32_t count);
   bool Allow(std::int32_t position, std::int32_t del, std::int32_t ins);
-  bool FitsInBlock(std::int32_t del, std::int32_t count) const;
+  bool SpaceHolds(std::int32_t position, std::int32_t del, std::int32_t count, bool ownBlocks);
+  static bool FitsInBlock(const BlkRdr& cursor, std::int32_t del, std::int32_t count);
   template <typename Source>
-  VFILE_LOCAL bool ChangeFrom(Source& source, std::int32_t position, std::int32_t del, std::int32_t count);
+  VFILE_LOCAL bool CopyFrom(Source& source, void* target, std::int32_t count);
+  template <typename Source>
+  VFILE_LOCAL void ChangeFrom(Source& source, std::int32_t position, std::int32_t del, std::int32_t count);
   template <typename Source>
   VFILE_LOCAL bool ChangeInBlock(Source& source, std::int32_t position, std::int32_t del, std::int32_t count);
   template <typename Source>
   VFILE_LOCAL bool ChangeByChain(Source& source, std::int32_t position, std::int32_t del, std::int32_t count);
-  template <typename ReadPiece>
+  template <typename BytesLeft, typename ReadPiece>
   VFILE_LOCAL void ReplaceByReading(std::int32_t position, std::int32_t del, bool open, std::int32_t count,
-                                    ReadPiece readPiece);
-  void Changed(std::int32_t position, std::int32_t del, std::int32_t ins);
+                                    BytesLeft bytesLeft, ReadPiece readPiece);
   void Finish(std::int32_t position);
 
   // Editing.cpp

@@ -1,7 +1,11 @@
 // The allocator: segregated free lists, threaded through the free blocks. Exact size from the lists, else the worst fit
 // of the general list, else growth at the end of the space. Neighbours are never joined.
+//
+// A list, a class or the end of the space changes when what the block has to hold is written, so that a swap file that refuses
+// leaves all as it was.
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 #include "hsys/Require.h"
@@ -23,7 +27,21 @@ bool Require(const TChar* proc, bool holds, const TChar* message) {
 
 bool IsPageAddress(std::int32_t addr) { return vmem::OffsetInPage(addr) == 0; }
 
+/// Bytes between the end of a space and its next page. A gap too small for a link takes a whole page more.
+std::int32_t GapBefore(std::int32_t end) {
+  const std::int32_t gap = vmem::OffsetInPage(kPageSize - vmem::OffsetInPage(end));
+  return gap > 0 && gap < kLeastBlock ? gap + kPageSize : gap;
+}
+
 }  // namespace
+
+/// A block of the general list, and its neighbours in it.
+struct VMem::FreeBlock {
+  std::int32_t before = kNoAddress;
+  std::int32_t addr = kNoAddress;
+  std::int32_t next = kNoAddress;
+  std::int16_t len = 0;
+};
 
 void VMem::ResetLists() {
   std::fill(std::begin(freeHead), std::end(freeHead), kNoAddress);
@@ -42,37 +60,43 @@ void VMem::Alloc(std::int32_t& addr, std::int16_t len) {
   if (!OnOwnerThread() || !Require(kProc, len > 0, TSTR("len must be >0"))) return;
   len = std::max(len, kLeastBlock);
   if (len == kPageSize && freePageHead != kNoAddress) {
-    addr = Pop(freePageHead, freePageCount);
+    Pop(freePageHead, freePageCount, addr);
     return;
   }
   const std::int32_t index = FindClass(len);
   if (index > 0 && freeHead[index] != kNoAddress) {
-    addr = Pop(freeHead[index], freeCount[index]);
+    if (!Pop(freeHead[index], freeCount[index], addr)) return;
     if (freeHead[index] == kNoAddress && index > vmem::kPermanentClasses) RemoveClass(index);
     return;
   }
-  if (AllocFromGeneralList(addr, len)) return;
-  const std::int32_t end = maxAddress;
-  if (Grow(len, kProc)) addr = end;
+  FreeBlock chosen;
+  if (!FindFreeBlock(len, chosen)) return;
+  if (chosen.addr != kNoAddress) {
+    TakeFreeBlock(chosen, addr, len);
+  } else if (HasRoom(len, kProc)) {
+    addr = maxAddress;
+    maxAddress += len;
+  }
 }
 
 void VMem::AllocPage(std::int32_t& addr) {
   static constexpr const TChar* kProc = TSTR("AllocPage");
   if (!OnOwnerThread()) return;
   if (freePageHead != kNoAddress) {
-    addr = Pop(freePageHead, freePageCount);
+    Pop(freePageHead, freePageCount, addr);
     return;
   }
-  const std::int32_t gapStart = maxAddress;
-  std::int32_t gap = vmem::OffsetInPage(pageSize - vmem::OffsetInPage(maxAddress));
-  // A gap too small for a link takes a whole page more.
-  if (gap > 0 && gap < kLeastBlock) gap += kPageSize;
-  if (!Grow(gap + kPageSize, kProc)) return;
-  const std::int32_t page = gapStart + gap;
+  const std::int32_t gap = GapBefore(maxAddress);
+  if (!HasRoom(gap + kPageSize, kProc)) return;
+  const std::int32_t page = maxAddress + gap;
   if (!Require(kProc, IsPageAddress(page), TSTR("address is not a page address"))) return;
+  if (gap > 0 && !Enlist(maxAddress, static_cast<std::int16_t>(gap), false)) return;
+  maxAddress = page + kPageSize;
   addr = page;
-  std::int32_t gapAddr = gapStart;
-  if (gap > 0) Dealloc0(gapAddr, static_cast<std::int16_t>(gap), false);
+}
+
+std::int32_t VMem::PagesLeft() const {
+  return freePageCount + std::max(0, (kSpaceLimit - maxAddress - GapBefore(maxAddress)) / kPageSize);
 }
 
 void VMem::Dealloc(std::int32_t& addr, std::int16_t len) {
@@ -100,31 +124,37 @@ void VMem::Dealloc0(std::int32_t& addr, std::int16_t len, bool makeClass) {
     maxAddress = block;
     return;
   }
-  if (len == kPageSize && IsPageAddress(block)) {
-    Push(freePageHead, freePageCount, block);
-    return;
-  }
-  if (makeClass || len < kLeastGeneralBlock) {
-    std::int32_t index = FindClass(len);
-    if (index == 0 && classCount < vmem::kMostClasses) {
-      index = ++classCount;
-      classSize[index] = len;
-    }
-    if (index > 0) {
-      Push(freeHead[index], freeCount[index], block);
-      return;
-    }
-  }
-  if (!Require(kProc, len >= kLeastGeneralBlock, TSTR("len must be >=6"))) return;
-  Push(freeHead[kGeneral], freeCount[kGeneral], block);
-  Set(block + vmem::kLengthOffset, static_cast<short>(len));
+  addr = block;
+  if (Enlist(block, len, makeClass)) addr = kNoAddress;
 }
 
-/// Moves the end of the space up by `bytes`.
-bool VMem::Grow(std::int32_t bytes, const TChar* proc) {
-  if (!Require(proc, bytes <= kSpaceLimit - maxAddress, TSTR("address space exhausted"))) return false;
-  maxAddress += bytes;
+/// Puts a block on the list for its length, unless what it has to hold there cannot be written. It may lie behind the end of a
+/// space that is about to grow.
+bool VMem::Enlist(std::int32_t block, std::int16_t len, bool makeClass) {
+  if (len == kPageSize && IsPageAddress(block)) return Push(freePageHead, freePageCount, block);
+  if (makeClass || len < kLeastGeneralBlock) {
+    const std::int32_t index = FindClass(len);
+    if (index > 0) return Push(freeHead[index], freeCount[index], block);
+    if (classCount < vmem::kMostClasses) {
+      // The next unused list is empty.
+      if (!Push(freeHead[classCount + 1], freeCount[classCount + 1], block)) return false;
+      classSize[++classCount] = len;
+      return true;
+    }
+  }
+  if (!Require(TSTR("Dealloc0"), len >= kLeastGeneralBlock, TSTR("len must be >=6"))) return false;
+  unsigned char header[kLeastGeneralBlock];
+  std::memcpy(header + vmem::kLinkOffset, &freeHead[kGeneral], sizeof freeHead[kGeneral]);
+  std::memcpy(header + vmem::kLengthOffset, &len, sizeof len);
+  if (!Store(block, header, sizeof header)) return false;
+  freeHead[kGeneral] = block;
+  ++freeCount[kGeneral];
   return true;
+}
+
+/// Whether the space can grow by `bytes`.
+bool VMem::HasRoom(std::int32_t bytes, const TChar* proc) const {
+  return Require(proc, bytes <= kSpaceLimit - maxAddress, TSTR("address space exhausted"));
 }
 
 /// The class of blocks of `len` bytes, or 0.
@@ -134,19 +164,22 @@ std::int32_t VMem::FindClass(std::int16_t len) const {
   return index;
 }
 
-void VMem::Push(std::int32_t& head, std::int32_t& count, std::int32_t addr) {
-  if (!SetBlock(addr + vmem::kLinkOffset, &head, sizeof head)) return;
+/// Links a block in before the first of a list.
+bool VMem::Push(std::int32_t& head, std::int32_t& count, std::int32_t addr) {
+  if (!Store(addr + vmem::kLinkOffset, &head, sizeof head)) return false;
   head = addr;
   ++count;
+  return true;
 }
 
-std::int32_t VMem::Pop(std::int32_t& head, std::int32_t& count) {
-  const std::int32_t addr = head;
+/// Takes the first block off a list.
+bool VMem::Pop(std::int32_t& head, std::int32_t& count, std::int32_t& addr) {
   std::int32_t next = kNoAddress;
-  if (!GetBlock(addr + vmem::kLinkOffset, &next, sizeof next)) return kNoAddress;
+  if (!GetBlock(head + vmem::kLinkOffset, &next, sizeof next)) return false;
+  addr = head;
   head = next;
   --count;
-  return addr;
+  return true;
 }
 
 void VMem::RemoveClass(std::int32_t index) {
@@ -160,35 +193,33 @@ void VMem::RemoveClass(std::int32_t index) {
   --classCount;
 }
 
-/// Takes the first block of exactly `len` bytes, else cuts the first of the largest if the remainder can hold a link. False if
-/// the list has no such block. Behind a halt that returned there is no address.
-bool VMem::AllocFromGeneralList(std::int32_t& addr, std::int16_t len) {
-  struct Block {
-    std::int32_t before = kNoAddress;
-    std::int32_t addr = kNoAddress;
-    std::int32_t next = kNoAddress;
-    short len = 0;
-  };
-  Block chosen;
-  Block block;
+/// Chooses the first block of exactly `len` bytes, else the first of the largest if the remainder can hold a link, else none.
+/// False behind a halt that returned.
+bool VMem::FindFreeBlock(std::int16_t len, FreeBlock& chosen) {
+  FreeBlock block;
   for (block.addr = freeHead[kGeneral]; block.addr != kNoAddress; block.before = block.addr, block.addr = block.next) {
-    if (!GetBlock(block.addr + vmem::kLinkOffset, &block.next, sizeof block.next) ||
-        !GetBlock(block.addr + vmem::kLengthOffset, &block.len, sizeof block.len)) {
-      addr = kNoAddress;
-      return true;
-    }
+    if (!GetBlock(block.addr + vmem::kLinkOffset, &block.next, sizeof block.next)) return false;
+    if (!GetBlock(block.addr + vmem::kLengthOffset, &block.len, sizeof block.len)) return false;
     if (block.len > chosen.len || block.len == len) chosen = block;
     if (block.len == len) break;
   }
-  if (chosen.len != len && chosen.len < len + kLeastBlock) return false;
+  if (chosen.len != len && chosen.len < len + kLeastBlock) chosen = {};
+  return true;
+}
+
+/// Takes a block out of the general list and gives its first `len` bytes. Where the remainder cannot be written the block stays
+/// off every list and is not handed out either.
+void VMem::TakeFreeBlock(const FreeBlock& chosen, std::int32_t& addr, std::int16_t len) {
   if (chosen.before == kNoAddress) {
     freeHead[kGeneral] = chosen.next;
-  } else {
-    Set(chosen.before + vmem::kLinkOffset, chosen.next);
+  } else if (!SetBlock(chosen.before + vmem::kLinkOffset, &chosen.next, sizeof chosen.next)) {
+    return;
   }
   --freeCount[kGeneral];
-  addr = chosen.addr;
   std::int32_t remainder = chosen.addr + len;
-  if (chosen.len > len) Dealloc0(remainder, static_cast<std::int16_t>(chosen.len - len), false);
-  return true;
+  if (chosen.len > len) {
+    Dealloc0(remainder, static_cast<std::int16_t>(chosen.len - len), false);
+    if (remainder != kNoAddress) return;
+  }
+  addr = chosen.addr;
 }

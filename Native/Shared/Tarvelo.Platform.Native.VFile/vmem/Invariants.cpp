@@ -109,8 +109,8 @@ bool VMem::Peek(std::int32_t addr, void* buf, std::int32_t len) const {
       byte = p->data[offset];
     } else if (at < fileLen) {
       std::uint32_t done = 0;
-      host::SetFilePointer(swapFile, at, host::FILE_BEGIN);
-      if (!host::ReadFile(swapFile, &byte, 1, &done) || done != 1) return false;
+      const host::OVERLAPPED place = {static_cast<std::uint32_t>(at), 0};
+      if (!host::ReadFile(swapFile, &byte, 1, &done, place) || done != 1) return false;
     }
     *bytes++ = byte;
   }

@@ -1,7 +1,8 @@
 // The list of cached pages and the hash table. Nothing else touches them, but for the lookup in PageLayout.h.
 //
 // Two facts surprise. Replacement goes by the order of loading, since a hit through the hash table moves nothing. And a
-// descriptor is good only until the next page is asked for, since nothing is pinned.
+// descriptor is good only until the next page is asked for, since nothing is pinned. Nor is it good behind a halt, whose
+// procedure may have asked for pages, moved the bound or emptied the cache.
 //
 // The order of the list is that of loading, so it is not searched: the pages of each residue are chained as well.
 
@@ -22,7 +23,7 @@ bool Require(const TChar* proc, bool holds, const TChar* message) {
 
 void VMem::FlushCache() {
   if (!OnOwnerThread()) return;
-  for (CacheDesc* p = cacheHead; p != nullptr; p = p->next) FlushCachePtr(p);
+  for (CacheDesc* p = cacheHead; p != nullptr && FlushCachePtr(p); p = p->next) continue;
   CheckInvariants();
 }
 
@@ -76,8 +77,7 @@ CacheDesc* VMem::TakeDescriptor() {
     return p;
   }
   CacheDesc* victim = cacheTail;
-  FlushCachePtr(victim);
-  if (victim->dirty) return nullptr;
+  if (!FlushCachePtr(victim)) return nullptr;
   UnHashCachePtr(victim);
   Unlink(victim);
   return victim;
@@ -133,8 +133,7 @@ void VMem::UnHashCachePtr(CacheDesc* p) {
 void VMem::ShrinkCache(std::int16_t count) {
   while (cacheCount > count) {
     CacheDesc* p = cacheHead;
-    FlushCachePtr(p);
-    if (p->dirty) return;
+    if (!FlushCachePtr(p)) return;
     UnHashCachePtr(p);
     Unlink(p);
     if (p != spareDesc) DisposeCachePtr(p);

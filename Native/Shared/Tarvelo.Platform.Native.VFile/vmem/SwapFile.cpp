@@ -43,6 +43,8 @@ void ChooseDirectory(TChar (&name)[hsys::kNameSize], const TChar* dir) {
   hsys::CondAppendDirSep(name, hsys::kNameSize);
 }
 
+host::OVERLAPPED PlaceOf(std::int32_t addr) { return {static_cast<std::uint32_t>(addr), 0}; }
+
 }  // namespace
 
 HANDLE vmem::CreateSwapFile(TChar* name, std::uint32_t capacity, const TChar* dir) {
@@ -65,22 +67,23 @@ HANDLE vmem::CreateSwapFile(TChar* name, std::uint32_t capacity, const TChar* di
   return INVALID_HANDLE_VALUE;
 }
 
-/// Writes the page if it is dirty. It stays dirty behind a halt that returned.
-void VMem::FlushCachePtr(CacheDesc* p) {
+/// Writes the page if it is dirty. False behind a halt that returned, when the descriptor may be gone.
+bool VMem::FlushCachePtr(CacheDesc* p) {
   static constexpr const TChar* kProc = TSTR("FlushCachePtr");
-  if (!p->dirty) return;
+  if (!p->dirty) return true;
   if (swapFile == INVALID_HANDLE_VALUE) {
     TChar name[hsys::kNameSize];
     swapFile = vmem::CreateSwapFile(name, hsys::kNameSize, tempDir);
-    if (!Require(kProc, swapFile != INVALID_HANDLE_VALUE, TSTR("swap file creation failed"))) return;
+    if (!Require(kProc, swapFile != INVALID_HANDLE_VALUE, TSTR("swap file creation failed"))) return false;
     swapFileName = hsys::CopyUnits(name);
   }
-  if (!ExtendFile(p->addr)) return;
-  if (!WriteToSwapFile(p->addr, p->data, kPageSize, kProc)) return;
+  if (!ExtendFile(p->addr)) return false;
+  if (!WriteToSwapFile(p->addr, p->data, kPageSize, kProc)) return false;
   // The end of the last page of all is no 32-bit number; it counts as the largest.
   const std::int64_t end = std::int64_t{p->addr} + kPageSize;
   fileLen = static_cast<std::int32_t>(std::min(std::max<std::int64_t>(fileLen, end), kLongestFile));
   p->dirty = false;
+  return true;
 }
 
 /// Makes the file `newLen` bytes long, with zeros: no page of it is ever unwritten.
@@ -94,22 +97,30 @@ bool VMem::ExtendFile(std::int32_t newLen) {
   return true;
 }
 
+// A transfer carries its place, since a forked child shares the position. One that fails is made again in its two steps, to
+// tell which of them it is that fails.
+
 bool VMem::WriteToSwapFile(std::int32_t addr, const unsigned char* data, std::int32_t count, const TChar* proc) {
-  const bool sought = host::SetFilePointer(swapFile, addr, host::FILE_BEGIN) != host::INVALID_SET_FILE_POINTER;
-  if (!Require(proc, sought, TSTR("seeking in swap file failed"))) return false;
   std::uint32_t done = 0;
   const auto wanted = static_cast<std::uint32_t>(count);
+  if (host::WriteFile(swapFile, data, wanted, &done, PlaceOf(addr)) && done == wanted) return true;
+  if (!SeekInSwapFile(addr, proc)) return false;
   const bool written = host::WriteFile(swapFile, data, wanted, &done) && done == wanted;
   return Require(proc, written, TSTR("writing on swap file failed (disk full?)"));
 }
 
 bool VMem::ReadFromSwapFile(std::int32_t addr, unsigned char* data) {
   static constexpr const TChar* kProc = TSTR("FindPage");
-  const bool sought = host::SetFilePointer(swapFile, addr, host::FILE_BEGIN) != host::INVALID_SET_FILE_POINTER;
-  if (!Require(kProc, sought, TSTR("seeking in swap file failed"))) return false;
   std::uint32_t done = 0;
+  if (host::ReadFile(swapFile, data, kPageSize, &done, PlaceOf(addr)) && done == kPageSize) return true;
+  if (!SeekInSwapFile(addr, kProc)) return false;
   const bool read = host::ReadFile(swapFile, data, kPageSize, &done) && done == kPageSize;
   return Require(kProc, read, TSTR("reading from swap file failed"));
+}
+
+bool VMem::SeekInSwapFile(std::int32_t addr, const TChar* proc) {
+  const bool sought = host::SetFilePointer(swapFile, addr, host::FILE_BEGIN) != host::INVALID_SET_FILE_POINTER;
+  return Require(proc, sought, TSTR("seeking in swap file failed"));
 }
 
 void VMem::CloseSwapFile() {

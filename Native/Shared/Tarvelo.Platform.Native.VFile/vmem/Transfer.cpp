@@ -48,7 +48,6 @@ void VMem::Get(std::int32_t addr, void* buf, std::int16_t len) { GetBlock(addr, 
 
 void VMem::Set(std::int32_t addr, const void* buf, std::int16_t len) { SetBlock(addr, buf, len); }
 
-/// `Get`, telling whether it came to its end; otherwise a halt has returned.
 bool VMem::GetBlock(std::int32_t addr, void* buf, std::int32_t len) {
   if (len == 0) return true;
   if (!IsAccess(addr, buf, len, TSTR("Get"))) return false;
@@ -66,10 +65,13 @@ bool VMem::GetBlock(std::int32_t addr, void* buf, std::int32_t len) {
   return true;
 }
 
-/// `Set`, telling whether it came to its end.
 bool VMem::SetBlock(std::int32_t addr, const void* buf, std::int32_t len) {
   if (len == 0) return true;
-  if (!IsAccess(addr, buf, len, TSTR("Set"))) return false;
+  return IsAccess(addr, buf, len, TSTR("Set")) && Store(addr, buf, len);
+}
+
+/// Copies bytes to an address that need not lie inside the space.
+bool VMem::Store(std::int32_t addr, const void* buf, std::int32_t len) {
   const auto* bytes = static_cast<const unsigned char*>(buf);
   std::int32_t left = len;
   std::int32_t offset = vmem::OffsetInPage(addr);
@@ -85,19 +87,24 @@ bool VMem::SetBlock(std::int32_t addr, const void* buf, std::int32_t len) {
   return true;
 }
 
-void VMem::CopyBytes(std::int32_t dst, std::int32_t src, std::int16_t len) {
-  if (!OnOwnerThread()) return;
-  if (!hsys::Require(TSTR("VMem"), TSTR("CopyBytes"), len >= 0, TSTR("len must be >=0"))) return;
-  if (len == 0 || dst == src) return;
+void VMem::CopyBytes(std::int32_t dst, std::int32_t src, std::int16_t len) { CopyBlock(dst, src, len); }
+
+bool VMem::CopyBlock(std::int32_t dst, std::int32_t src, std::int32_t len) {
+  if (!OnOwnerThread()) return false;
+  if (!hsys::Require(TSTR("VMem"), TSTR("CopyBytes"), len >= 0, TSTR("len must be >=0"))) return false;
+  if (len == 0 || dst == src) return true;
   unsigned char chunk[kPageSize];
   const bool forward = dst < src || len <= kPageSize;
   for (std::int32_t done = 0; done < len;) {
     const std::int32_t part = std::min(len - done, kPageSize);
     const std::int32_t at = forward ? done : len - done - part;
     // A sum that leaves 32 bits comes out negative, which the transfer refuses.
-    if (!GetBlock(hsys::WrapAdd(src, at), chunk, part) || !SetBlock(hsys::WrapAdd(dst, at), chunk, part)) return;
+    if (!GetBlock(hsys::WrapAdd(src, at), chunk, part) || !SetBlock(hsys::WrapAdd(dst, at), chunk, part)) {
+      return false;
+    }
     done += part;
   }
+  return true;
 }
 
 // ---- Typed forms ----

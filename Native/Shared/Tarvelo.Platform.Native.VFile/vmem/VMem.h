@@ -17,8 +17,9 @@
 /// this object alone, and is gone with it or with the process, however that ends.
 ///
 /// Failures: there is no result code. Every operation succeeds or halts, under the module word "VMem"; a `Get` can need a
-/// page of the cache and so can halt on a full disk just as a `Set` can. Behind a halt that returned, the operation has
-/// done nothing, or has stopped where the failure was.
+/// page of the cache and so can halt on a full disk just as a `Set` can. A halt leaves the space, its lists and its data sound:
+/// the operation has done nothing, or has stopped where the failure was. Pages that could not be written stay in the cache, so
+/// with a higher bound of the cache all data can still be read.
 ///
 /// Thread: an object belongs to the thread that constructed it. All operations halt on another thread, except for
 /// `WriteStatus` and the forms of `Get` and `Set`, which do not look.
@@ -95,10 +96,13 @@ class VFILE_API VMem {
   void Alloc(std::int32_t& addr, std::int16_t len);
   /// Gives a block of 1024 bytes at a multiple of 1024.
   void AllocPage(std::int32_t& addr);
-  /// Frees a block of exactly `len` bytes; `addr` becomes -1.
+  /// Frees a block of exactly `len` bytes; `addr` becomes -1. Where the swap file refuses what that takes, the block is not
+  /// freed, and `addr` stays.
   void Dealloc(std::int32_t& addr, std::int16_t len);
-  /// Frees a block of 1024 bytes at a multiple of 1024; `addr` becomes -1.
+  /// Frees a block of 1024 bytes at a multiple of 1024, likewise.
   void DeallocPage(std::int32_t& addr);
+  /// How many pages `AllocPage` can give before the space ends, 2^21-1 in an empty one. Does not look at the thread.
+  std::int32_t PagesLeft() const;
 
   /// @}
   /// @name Transfer
@@ -160,6 +164,13 @@ class VFILE_API VMem {
   /// found by the 1024-byte chunk that does. A negative length halts ("len must be >=0").
   void CopyBytes(std::int32_t dst, std::int32_t src, std::int16_t len);
   /// @}
+  /// @{
+  /// `Get`, `Set` and `CopyBytes`, telling whether they came to their end; otherwise a halt has returned.
+  bool GetBlock(std::int32_t addr, void* buf, std::int32_t len);
+  bool SetBlock(std::int32_t addr, const void* buf, std::int32_t len);
+  bool CopyBlock(std::int32_t dst, std::int32_t src, std::int32_t len);
+
+  /// @}
 
  protected:
   // The data model, for derived classes to look at: a checker, a dump, a test.
@@ -219,6 +230,8 @@ class VFILE_API VMem {
   CacheDesc* residueHead[kHashSize];   ///< see K3
 
  private:
+  struct FreeBlock;
+
   bool OnOwnerThread(std::int32_t line = __builtin_LINE()) const;
 
   // PageCache.cpp: the list and the hash table.
@@ -237,7 +250,8 @@ class VFILE_API VMem {
   void DropCache();
 
   // SwapFile.cpp
-  void FlushCachePtr(CacheDesc* p);
+  bool FlushCachePtr(CacheDesc* p);
+  bool SeekInSwapFile(std::int32_t addr, const TChar* proc);
   bool ReadFromSwapFile(std::int32_t addr, unsigned char* data);
   bool ExtendFile(std::int32_t newLen);
   bool WriteToSwapFile(std::int32_t addr, const unsigned char* data, std::int32_t count, const TChar* proc);
@@ -246,12 +260,14 @@ class VFILE_API VMem {
   // Allocator.cpp
   void ResetLists();
   void Dealloc0(std::int32_t& addr, std::int16_t len, bool makeClass);
-  bool Grow(std::int32_t bytes, const TChar* proc);
+  bool Enlist(std::int32_t block, std::int16_t len, bool makeClass);
+  bool HasRoom(std::int32_t bytes, const TChar* proc) const;
   std::int32_t FindClass(std::int16_t len) const;
-  void Push(std::int32_t& head, std::int32_t& count, std::int32_t addr);
-  std::int32_t Pop(std::int32_t& head, std::int32_t& count);
+  bool Push(std::int32_t& head, std::int32_t& count, std::int32_t addr);
+  bool Pop(std::int32_t& head, std::int32_t& count, std::int32_t& addr);
   void RemoveClass(std::int32_t index);
-  bool AllocFromGeneralList(std::int32_t& addr, std::int16_t len);
+  bool FindFreeBlock(std::int16_t len, FreeBlock& chosen);
+  void TakeFreeBlock(const FreeBlock& chosen, std::int32_t& addr, std::int16_t len);
 
   // Invariants.cpp
   void CheckInvariants() const;
@@ -260,8 +276,7 @@ class VFILE_API VMem {
   bool Peek(std::int32_t addr, void* buf, std::int32_t len) const;
 
   // Transfer.cpp
-  bool GetBlock(std::int32_t addr, void* buf, std::int32_t len);
-  bool SetBlock(std::int32_t addr, const void* buf, std::int32_t len);
+  bool Store(std::int32_t addr, const void* buf, std::int32_t len);
   bool IsAccess(std::int32_t addr, const void* buf, std::int32_t len, const TChar* proc) const;
   template <typename Value>
   VFILE_LOCAL void GetValue(std::int32_t addr, Value& value);

@@ -118,6 +118,22 @@ std::uint32_t GetFileSize(HANDLE file) {
   return static_cast<std::uint32_t>(status.st_size);
 }
 
+bool GetFileSizeEx(HANDLE file, std::int64_t* size) {
+  struct stat status;
+  if (fstat(DescriptorFromHandle(file), &status) != 0) return Fail(ErrorFromErrno(errno));
+  *size = status.st_size;
+  return true;
+}
+
+std::uint32_t GetFileType(HANDLE file) {
+  struct stat status;
+  if (fstat(DescriptorFromHandle(file), &status) != 0) {
+    SetLastError(ErrorFromErrno(errno));
+    return FILE_TYPE_UNKNOWN;
+  }
+  return S_ISREG(status.st_mode) ? FILE_TYPE_DISK : FILE_TYPE_UNKNOWN;
+}
+
 bool SetEndOfFile(HANDLE file) {
   const int descriptor = DescriptorFromHandle(file);
   if (!IsWritable(descriptor)) return false;
