@@ -1,0 +1,245 @@
+// What is left of files where the virtual memory refuses a page in the middle of an operation, or has no room.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "support/Chains.h"
+#include "support/Disk.h"
+#include "support/Halts.h"
+
+using support::Bytes, support::Chain, support::FailingDisk, support::I32, support::Lengths, support::Pattern,
+    support::Peek, support::Pipe, support::Size;
+
+namespace {
+
+const std::string kNew(3000, '\xEE');
+
+/// The member of a thread's space that only its own class sees.
+struct Space : VMem {
+  using VMem::maxAddress;
+};
+constexpr I32 kPages = 0x1FFFFF;
+
+std::int32_t& EndOfSpace(const Peek& file) { return file.vm->*&Space::maxAddress; }
+
+struct Operation {
+  const char* name;
+  std::function<void(Peek&)> run;
+  I32 pos;  // where the file stands before it
+};
+
+/// Changes of a file of the blocks 1024, 700, 1024, 1024, 300, and moves in it.
+std::vector<Operation> Operations(const Peek& other) {
+  const auto fromPipe = [](VFile& file, I32 at, I32 del, I32 count) {
+    file.ReplaceFile(at, del, Pipe(kNew).Handle(), count);
+  };
+  return {
+      {"in a block", DO(f.ReplaceBuf(1500, 3, "x", 1)), 0},
+      {"a block is split", DO(f.ReplaceBuf(500, 0, "x", 1)), 2000},
+      {"blocks come in", DO(f.ReplaceBuf(500, 200, kNew.data(), 2500)), 0},
+      {"blocks go out", DO(f.Delete(500, 2000)), 4000},
+      {"a block is cut in its page", DO(f.Delete(1024, 900)), 0},
+      {"a block is cut into the new one", DO(fromPipe(f, 1024, 1200, 400)), 0},
+      {"the block behind is joined", DO(fromPipe(f, 3772, 0, 100)), 0},
+      {"the file is its own source", DO(f.ReplaceTxt(100, 0, f, 50, 3000)), 4000},
+      {"from another file", DO(f.ReplaceTxt(2000, 900, other, 10, 1900)), 0},
+      {"in a block from another file", DO(f.ReplaceTxt(3800, 9, other, 1000, 30)), 0},
+      {"the first block goes", DO(f.Delete(0, 1024)), 3000},
+      {"all goes", DO(f.Delete(0, MaxLen)), 3000},
+      {"all is replaced", DO(f = other), 3000},
+      {"a far move", DO(f.SetPos(4000)), 1500},
+      {"the buffer is given up", DO(f.Flush()), 1500},
+  };
+}
+
+/// A thread's files before an operation: pages in the pool and in the free list, two files, all of it in the swap file but what the
+/// bound of the cache holds.
+struct Files {
+  Files(int cacheSize, const Operation& operation) {
+    VFile::SetMaxCacheSize(static_cast<std::int16_t>(cacheSize));
+    Peek emptied("x");
+    const Chain pooled({1024, 1024, 1024});
+    emptied.Delete(0, 1);
+    other.AppendBytes(Pattern(2000, 7).data(), 2000);
+    file.SetPos(1);
+    file.ReplaceBuf(1, 1, "!", 1);
+    file.SetPos(operation.pos);
+    if (operation.pos > 0) file.ReplaceBuf(operation.pos, 1, "?", 1);
+  }
+
+  Chain file{Lengths{1024, 700, 1024, 1024, 300}};
+  Peek other;
+};
+
+/// Whether the file is sound and has one of the contents.
+void ExpectEither(const Peek& file, const std::string& old, const std::string& changed) {
+  const std::string bytes = Bytes(file);
+  EXPECT_TRUE(bytes == old || bytes == changed)
+      << bytes.size() << " bytes of " << old.size() << " or " << changed.size();
+  EXPECT_EQ(file.length, support::Count(bytes.size()));
+  EXPECT_EQ(file.cur.base + file.cur.ix, file.pos);
+  EXPECT_HALT("", file.CheckInvariants());
+}
+
+/// Runs the operation with a disk that refuses from its transfer `k` on, with halts that throw or return; gives whether it halted.
+/// What a full disk keeps from being written can be read with a larger cache.
+bool RunOnFailingDisk(const Operation& operation, int k, FailingDisk::Kind kind, bool throwing,
+                      const std::string& changed, int cacheSize) {
+  Files files(cacheSize, operation);
+  const std::string old = Bytes(files.file);
+  if (cacheSize == 0) VFile::ReleaseCache();
+  const FailingDisk disk(k, kind);
+  bool halted = false;
+  if (throwing) {
+    halted = !support::HaltOf([&] { operation.run(files.file); }).empty();
+  } else {
+    const support::NoteHalts noting;
+    operation.run(files.file);
+    halted = !noting.Noted().empty();
+  }
+  EXPECT_EQ(halted, FailingDisk::HasFailed());
+  VFile::SetMaxCacheSize(70);
+  if (kind == FailingDisk::kReads) FailingDisk::Repair();
+  ExpectEither(files.file, halted ? old : changed, changed);
+  EXPECT_TRUE(Bytes(files.other) == Pattern(2000, 7));
+  const bool refused = halted && !throwing;
+  EXPECT_TRUE(files.file.res == (refused ? resHeapOverflow : resDone) || Bytes(files.file) == changed);
+  // Both files go on.
+  files.file.SetPos(0);
+  files.file.Delete(0, MaxLen);
+  EXPECT_EQ(Bytes(files.file), "");
+  files.file.Append("again");
+  files.other.Append(files.file, 0, MaxLen);
+  EXPECT_EQ(Bytes(files.file) + std::to_string(files.file.res), "again0");
+  EXPECT_TRUE(Bytes(files.other) == Pattern(2000, 7) + "again");
+  return halted;
+}
+
+TEST(Halts, LeaveTheOldOrTheNewContent) {
+  Peek source;
+  source.AppendBytes(Pattern(2000, 9).data(), 2000);
+  for (const auto& operation : Operations(source)) {
+    std::string changed;
+    {
+      Files model(70, operation);
+      operation.run(model.file);
+      changed = Bytes(model.file);
+    }
+    for (const int cacheSize : {0, 3, 6}) {
+      for (const FailingDisk::Kind kind : {FailingDisk::kReads, FailingDisk::kWrites}) {
+        for (const bool throwing : {true, false}) {
+          for (int k = 1, halted = true; halted; ++k) {
+            SCOPED_TRACE(testing::Message() << operation.name << ", transfer " << k << " of kind " << kind << ", cache "
+                                            << cacheSize << (throwing ? ", throwing" : ", returning"));
+            halted = RunOnFailingDisk(operation, k, kind, throwing, changed, cacheSize);
+            if (HasFailure()) return;
+          }
+        }
+      }
+    }
+  }
+}
+
+// Behind a halt that returned there is nothing more to be had, so that every loop comes to an end.
+TEST(Halts, ReadsEndWhereAPageIsRefused) {
+  VFile::SetMaxCacheSize(0);
+  char bytes[4000];
+  I32 at = 0;
+  const Chain same({1024, 1024, 1024});
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const std::function<bool(Peek&)> reads[] = {
+      [&](Peek& f) { return f.ReadBytes(bytes, 3072) == 1024; },
+      [&](Peek& f) { return f.ReadTxt(bytes, 4000, 1024, 2048) == 0; },
+      [&](Peek& f) { return f.ReadLine(bytes, 4000) == 9; },
+      [&](Peek& f) { return f.Find(at, Pattern(9, 3000).c_str(), false, false); },
+      [&](Peek& f) { return f.LineEnd(1500, false) >= 0; },
+      [&](Peek& f) { return f == same || f < same; },
+      [&](Peek& f) {
+        f.WriteToFile(host::HandleFromDescriptor(ends[1]), 3072);
+        return f.res == resDone;
+      },
+  };
+  for (std::size_t row = 0; row < std::size(reads); ++row) {
+    SCOPED_TRACE(row);
+    Chain file({1024, 1024, 1024});
+    file.Reset();
+    VFile::ReleaseCache();
+    {
+      const FailingDisk disk(row == 0 ? 2 : 1, FailingDisk::kReads);
+      const support::NoteHalts noting;
+      EXPECT_EQ(reads[row](file), row == 0 || row == 1 || row == 4);
+      EXPECT_FALSE(noting.Noted().empty());
+    }
+    EXPECT_TRUE(file.res == resHeapOverflow || row == 5) << file.res;
+    EXPECT_TRUE(Bytes(file) == Pattern(3072));
+  }
+  close(ends[0]);
+  close(ends[1]);
+  VFile::SetMaxCacheSize(70);
+}
+
+// ---- Room ----
+
+/// An operation and the pages that it takes. On blocks of 1024 and 500 bytes, behind which two blocks lie in the pool.
+struct RoomRow {
+  std::function<void(Peek&)> run;
+  I32 pages;
+};
+
+TEST(Room, IsLookedAtBeforeItIsUsed) {
+  VFile::SetMaxCacheSize(70);
+  const int regular = memfd_create("source", 0);
+  ASSERT_EQ(write(regular, kNew.data(), kNew.size()), 3000);
+  const HANDLE file = host::HandleFromDescriptor(regular);
+  const auto insert = [](I32 at, I32 count) { return DO(f.ReplaceBuf(at, 0, kNew.data(), count)); };
+  const RoomRow rows[] = {
+      {DO(f.ReplaceBuf(500, 1, "x", 1)), 0},
+      {DO(f.Delete(0, MaxLen)), 0},
+      {DO(f.Delete(500, 1)), 0},
+      {DO(f.Delete(500, 900)), 0},
+      {insert(1524, 524), 0},
+      {insert(1524, 525), 1},
+      {insert(500, 1), 1},
+      {insert(500, 2048), 2},
+      {insert(500, 2049), 3},
+      {DO(f.ReplaceBuf(500, 524, kNew.data(), 1548)), 1},
+      {DO(f.ReplaceTxt(1024, 0, f, 0, MaxLen)), 1},
+      {DO(f = f), 1},
+      {DO(f.SetPos(0); f.InsertFromFile(file, 2048)), 3},
+      {DO(f.SetPos(9); f.InsertFromFile(file, 8)), 1},
+      {DO(f.SetPos(9); f.InsertFromFile(file, 18)), 2},
+      {DO(f.SetPos(9); f.InsertFromFile(file, MaxLen)), 4},
+      {DO(f.AppendFromFile(Pipe(kNew).Handle(), MaxLen)), 3},
+      {DO(VFile copy(f); f.res = copy.res), 2},
+  };
+  for (std::size_t row = 0; row < std::size(rows); ++row) {
+    const auto& [run, pages] = rows[row];
+    for (const I32 left : {pages - 1, pages}) {
+      SCOPED_TRACE(testing::Message() << "row " << row << " with " << left << " pages left");
+      if (left < 0) continue;
+      Chain sample({1024, 500});
+      { const Chain pooled({1, 1}); }
+      EndOfSpace(sample) = (kPages - std::max(left - 2, 0)) * BlkSize;
+      const Chain* keepsTheRest = left < 2 ? new Chain(Lengths(Size(2 - left), 1)) : nullptr;
+      const I32 end = EndOfSpace(sample);
+      lseek(regular, 0, SEEK_SET);
+      sample.SetPos(3);
+      run(sample);
+      EXPECT_EQ(sample.res, left < pages ? resTooLong : resDone);
+      if (left < pages) {
+        EXPECT_EQ(support::Lens(sample), (Lengths{1024, 500}));
+        EXPECT_TRUE(Bytes(sample) == Pattern(1524));
+        EXPECT_EQ(lseek(regular, 0, SEEK_CUR), 0);
+        EXPECT_EQ(EndOfSpace(sample) - end, 0);
+      }
+      EXPECT_HALT("", sample.CheckInvariants());
+      delete keepsTheRest;
+    }
+  }
+  close(regular);
+}
+
+}  // namespace
