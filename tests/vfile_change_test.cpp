@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <thread>
 
 #include "support/Chains.h"
 #include "support/Halts.h"
@@ -195,6 +196,19 @@ TEST(Heap, AFailureAnywhereLeavesTheFileAsItWas) {
       }
     }
   }
+}
+
+TEST(Heap, AThreadsFirstFileIsMadeWholeOrNotAtAll) {
+  std::thread([] {
+    for (int k = 1, failed = true; failed; ++k) {
+      const std::string halted = WithFailing(k, [] { const VFile file("content"); });
+      failed = support::FailingHeap::HasFailed();
+      // The descriptor's page and the buffer are a matter of the change.
+      EXPECT_EQ(halted.empty(), k > 4) << k << halted;
+      EXPECT_EQ(VFile::GetCacheSize(), 0);
+      EXPECT_TRUE(VFile("works") == "works");
+    }
+  }).join();
 }
 
 TEST(Heap, ReadsAndSearchesDoWithoutTheBuffer) {

@@ -56,6 +56,7 @@ TEST_F(VMemTest, WrongCallsHaltAndDoNothing) {
       {"CopyBytes", "len must be >=0", [&] { vm.CopyBytes(0, -9, -9); }},
       {"Alloc", "len must be >0", [&] { vm.Alloc(addr, 0); }}, {"Alloc", exhausted, [&] { vm.Alloc(addr, 1024); }},
       {"AllocPage", exhausted, [&] { vm.Take(0); }}, {"Dealloc0", above, [&] { vm.Free(end - 3, 3); }},
+      {"Dealloc0", "illegal address (<0)", [&] { vm.Free(-1, 1); }}, {"Dealloc0", "len must be >0", [&] { vm.Free(0, 0); }},
       {"DeallocPage", "address is not a page address", [&] { vm.DeallocPage(addr); }}};
   // clang-format on
   const std::tuple before(vm.Shape(), Pattern(5000));
@@ -86,14 +87,88 @@ TEST(VMemHeapTest, ExhaustedAtEachAllocation) {
   }
 }
 
+/// Sets and gets a value at the ends of pages and of the space, and one byte beyond.
+template <typename Value>
+void TestTypedForms(Value value) {
+  constexpr std::int32_t kWidth = sizeof(Value);
+  const std::string bytes(reinterpret_cast<const char*>(&value), kWidth);
+  Peek vm;
+  vm.maxAddress = 2100;
+  for (const std::int32_t addr : {0, 1024 - kWidth, 1025 - kWidth, 1023, 1024, 2100 - kWidth}) {
+    SCOPED_TRACE(testing::Message() << kWidth << " bytes at " << addr);
+    vm.Write(0, std::string(2100, '#'));
+    vm.Set(addr, value);
+    std::string expected(2100, '#');
+    expected.replace(static_cast<std::size_t>(addr), kWidth, bytes);
+    EXPECT_EQ(vm.Read(0, 2100), expected);
+    Value read = {};
+    vm.Get(addr, read);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(&read), kWidth), bytes);
+  }
+  for (const std::int32_t addr : {-1, -1024, 2101 - kWidth, 0x7fffffff}) {
+    const std::string message = addr < 0 ? "illegal address (<0)" : "illegal address (>max.address)";
+    EXPECT_HALT("VMem, Get():\n" + message, vm.Get(addr, value)) << addr;
+    EXPECT_HALT("VMem, Set():\n" + message, vm.Set(addr, value)) << addr;
+  }
+}
+
 TEST_F(VMemTest, TypedFormsMoveTheirWidth) {
-  vm.maxAddress = 1040;
-  vm.Set(1020, 0x01020304);
+  TestTypedForms<signed char>(-77);
+  TestTypedForms<char>('x');
+  TestTypedForms<unsigned char>(200);
+  TestTypedForms<short>(-12345);
+  TestTypedForms<unsigned short>(0xABCD);
+  TestTypedForms<TChar>(0x1234);
+  TestTypedForms<int>(-123456789);
+  TestTypedForms<unsigned int>(0x89ABCDEF);
+  TestTypedForms<long>(-1234567890);
+  TestTypedForms<unsigned long>(0x89ABCDEF);
+  TestTypedForms<long long>(-0x123456789ABCDEF);
+  TestTypedForms<unsigned long long>(0xFEDCBA9876543210);
+  TestTypedForms<float>(1.5F);
+  TestTypedForms<double>(-2.25);
+  TestTypedForms<void*>(&vm);
+  // Stored as a double.
+  vm.maxAddress = 1031;
   vm.Set(1023, 1.0L);
-  EXPECT_EQ(vm.Read(1019, 13), std::string("\0\4\3\2\0\0\0\0\0\0\xf0\x3f\0", 13));
+  EXPECT_EQ(vm.Read(1023, 8), std::string("\0\0\0\0\0\0\xf0\x3f", 8));
   long double number = 0;
   vm.Get(1023, number);
   EXPECT_EQ(number, 1.0L);
+}
+
+TEST_F(VMemTest, SizeOfCacheIsThatOfItsPages) {
+  vm.SetMaxCacheSize(32767);
+  vm.maxAddress = 400 * 1024;
+  for (const auto& [pages, kilobytes] : {std::pair(0, 0), {1, 1}, {84, 84}, {85, 85}, {86, 87}, {400, 404}}) {
+    for (std::int32_t page = 0; page < pages; ++page) vm.Touch({page});
+    EXPECT_EQ(vm.GetCacheSize(), kilobytes);
+  }
+}
+
+// Its end is no 32-bit number.
+TEST_F(VMemTest, TheLastPageOfTheSpaceIsAPage) {
+  vm.maxAddress = 0x7ffff800;
+  EXPECT_EQ(vm.PagesLeft(), 1);
+  EXPECT_EQ(vm.Take(0), 0x7ffff800);
+  EXPECT_EQ(vm.PagesLeft(), 0);
+  vm.Write(0x7ffff800, Pattern(1024));
+  EXPECT_EQ(vm.Read(0x7ffff800, 1024), Pattern(1024));
+  EXPECT_HALT("VMem, AllocPage():\naddress space exhausted", vm.Take(0));
+  EXPECT_EQ(vm.Take(1023), 0x7ffffc00);
+  EXPECT_HALT("VMem, Alloc():\naddress space exhausted", vm.Take(1));
+}
+
+TEST_F(VMemTest, PagesLeftCountsFreeOnesAndTheGap) {
+  EXPECT_EQ(vm.PagesLeft(), 0x1FFFFF);
+  for (const auto& [used, left] : {std::pair(1, 0x1FFFFE), {1020, 0x1FFFFE}, {1021, 0x1FFFFD}, {1024, 0x1FFFFE}}) {
+    vm.maxAddress = used;
+    EXPECT_EQ(vm.PagesLeft(), left) << used;
+  }
+  const std::int32_t page = vm.Take(0);
+  vm.Take(0);
+  vm.Free(page, 1024);
+  EXPECT_EQ(vm.PagesLeft(), 0x1FFFFE - 1);
 }
 
 }  // namespace
