@@ -68,7 +68,7 @@ struct Pair {
 /// The bytes as units of which none but ASCII is part of a word.
 TString Units(const std::string& bytes) {
   TString units;
-  for (const unsigned char byte : bytes) units += static_cast<TChar>(byte < 0x80 ? byte : 0x2500 + byte);
+  for (const char byte : bytes) units += static_cast<TChar>(byte < 0 ? 0x2600 + byte : byte);
   return units;
 }
 
@@ -93,7 +93,7 @@ struct Machine {
     newText = Text(word).substr(0, 8);
     Run(operation);
     pair->Compare();
-    if (pair->Length() > 20000) Empty();
+    if (pair->Length() > 9000) Empty();
   }
 
   static bool IsNumber(const std::string& word) { return word[0] == '-' || (word[0] >= '0' && word[0] <= '9'); }
@@ -110,7 +110,7 @@ struct Machine {
   void Run(char operation) {
     const I32 number = numbers[0];
     if (std::string("bchpt").find(operation) != std::string::npos) Change(operation);
-    if (std::string("srwe").find(operation) != std::string::npos) Read(operation, number % 5000);
+    if (std::string("srwe").find(operation) != std::string::npos) Read(operation, number % 4000);
     if (operation == 'f') Find(number);
     if (operation == 'g') ReplaceGlobal();
     if (operation == 'l') Lines(number);
@@ -129,12 +129,12 @@ struct Machine {
 
   void Change(char kind) {
     auto [at, del, count, length, from] = numbers;
-    if (kind == 'b' || kind == 'c') length = count %= 5000;
+    if (kind == 'b' || kind == 'c') length = count %= 4000;
     const Pair& source = pairs[length & 1];
     std::string put;
-    while (kind != 't' && Count(put.size()) < length % 5000) put += kind == 'c' ? "c" : text + ".";
+    while (kind != 't' && Count(put.size()) < length % 4000) put += kind == 'c' ? "c" : text + ".";
     if (kind == 't') put = source.Part(std::max(from, 0), std::max(count, 0));
-    if (kind != 't') put.resize(Size(std::max(length % 5000, 0)));
+    if (kind != 't') put.resize(Size(std::max(length % 4000, 0)));
     if (kind == 'b') pair->file.ReplaceBuf(at, del, put.data(), count);
     if (kind == 'c') pair->file.ReplaceCh(at, del, 'c', count);
     if (kind == 't') pair->file.ReplaceTxt(at, del, source.file, from, count);
@@ -165,7 +165,7 @@ struct Machine {
 
   void Read(char kind, I32 count) {
     Pair& p = *pair;
-    char buffer[5000] = {7};
+    char buffer[4000] = {7};
     if (kind == 's') {
       const std::int64_t bases[] = {0, p.pos, p.Length(), -1 - std::int64_t{MaxLen}};
       const std::int64_t to = bases[std::min(numbers[1] & 0xFF, 3)] + numbers[0];
@@ -237,12 +237,13 @@ struct Machine {
     if (text.empty()) return void(pair->res = resCallError);
     I32 expected = 0;
     pair->res = resDone;
-    for (I32 at = 0;
-         (at = support::NaiveFind(Units(pair->bytes), Units(text), at, false, ignoreCase, wholeWord)) >= 0;) {
+    TString units = Units(pair->bytes);
+    const TString wanted = Units(text);
+    for (I32 at = 0; (at = support::NaiveFind(units, wanted, at, false, ignoreCase, wholeWord)) >= 0; ++expected) {
       if (pair->readOnly) pair->res = resReadOnly;
       if (pair->res == resDone) pair->Change(at, Count(text.size()), newText);
       if (pair->res != resDone) break;
-      ++expected;
+      units.replace(Size(at), text.size(), Units(newText));
       at = pair->pos;
     }
     Check(count == expected && pair->file.res == pair->res);
