@@ -36,16 +36,12 @@ TString Directory() {
   return scratch.path.u16string();
 }
 
-bool IsSeparator(TChar unit) { return kSeparators.find(unit) != TString::npos; }
-bool HasDrive(const TString& name) {
-  return name.size() > 1 && name[1] == ':' && name[0] < 128 && std::isalpha(name[0]);
-}
-
 void CheckParts(const TString& path, std::uint32_t size) {
   TChar parts[4][kSize];
   TChar again[kSize];
   HFile::SplitName(parts[0], size, parts[1], size, parts[2], size, parts[3], size, path.c_str());
-  const std::size_t drive = HasDrive(path) ? 2 : 0;
+  const bool hasDrive = path.size() > 1 && path[1] == ':' && path[0] < 128 && std::isalpha(path[0]);
+  const std::size_t drive = hasDrive ? 2 : 0;
   const std::size_t name = std::max(path.find_last_of(kSeparators) + 1, drive);
   const std::size_t dot = path.find_last_of('.');
   const std::size_t ext = dot == TString::npos || dot < name ? path.size() : dot;
@@ -58,17 +54,16 @@ void CheckParts(const TString& path, std::uint32_t size) {
 }
 
 void CheckFullName(const TString& name) {
-  TString full = name.empty() || !IsSeparator(name[0]) ? Directory() : TString();
-  std::vector<TString> steps;
-  const TString whole = full + TSTR("/") + name + TSTR("/");
-  for (std::size_t at = 0, end = 0;
-       (end = whole.find_first_of(full.size() > at ? TSTR("/") : kSeparators, at)) != TString::npos; at = end + 1) {
-    const TString step = whole.substr(at, end - at);
-    if (step == TSTR("..") && !steps.empty()) steps.pop_back();
-    if (step != TSTR("..") && step != TSTR(".") && !step.empty()) steps.push_back(step);
+  TString left = name + TSTR("/");
+  std::ranges::replace(left, '\\', '/');
+  if (!left.starts_with('/') || name.empty()) left = Directory() + TSTR("/") + left;
+  TString full;
+  for (std::size_t end = 0; (end = left.find('/')) != TString::npos; left.erase(0, end + 1)) {
+    const TString step = left.substr(0, end);
+    if (step == TSTR("..")) full.erase(std::min(full.rfind('/'), full.size()));
+    if (step != TSTR("..") && step != TSTR(".") && !step.empty()) full += TSTR("/") + step;
   }
-  full = steps.empty() ? TSTR("/") : TSTR("");
-  for (const TString& step : steps) full += TSTR("/") + step;
+  if (full.empty()) full = TSTR("/");
   TChar got[kSize];
   HFile::GetFullName(got, kSize, name.c_str());
   Check(got == (full.size() < kSize ? full : name.substr(0, kSize - 1)));
