@@ -225,9 +225,12 @@ struct Machine {
     I32 at = from;
     const bool found = (pair->file.*(back ? &VFile::FindBack : &VFile::Find))(at, text.c_str(), ignoreCase, wholeWord);
     if (from < 0) return void(pair->res = resCallError);
-    const int place = support::NaiveFind(Units(pair->bytes), Units(text), from, back, ignoreCase, wholeWord);
-    Check(found == (text.empty() || place >= 0));
-    Check(!found || at == (text.empty() ? from : place + (back ? 0 : Count(text.size()))));
+    int place = from;
+    if (!text.empty()) {
+      place = support::NaiveFind(Units(pair->bytes), Units(text), from, back, ignoreCase, wholeWord);
+      Check(!found || at == place + (back ? 0 : Count(text.size())));
+    }
+    Check(found == (place >= 0) && (!text.empty() || at == from));
     Rewind();
   }
 
