@@ -1,0 +1,178 @@
+// Names as text, patterns over a directory of fixed names, temporary names, and strings of blanks.
+//
+// An input is a list of names, each on a line; "%" with four hexadecimal digits stands for a unit.
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+#include <vector>
+
+#include "fuzz/Fuzz.h"
+#include "hfile/HFile.h"
+#include "hfile/HFileDir.h"
+#include "hsys/HSys.h"
+
+using fuzz::Check;
+
+namespace {
+
+constexpr std::uint32_t kSize = 261;
+const TString kSeparators = TSTR("/\\");
+
+/// In the directory "sub", in ascending order of units.
+const TString kNames[] = {TSTR("."),      TSTR(".."),     TSTR(".x"),         TSTR("B.TXT"), TSTR("[a]"),   TSTR("a"),
+                          TSTR("a.b"),    TSTR("a.b.c"),  TSTR("a?b*"),       TSTR("aaab"),  TSTR("b.txt"), TSTR("c:d"),
+                          TSTR("n.txt~"), TSTR("\u00E4"), TSTR("\U0001D11E"), {0xDCFF}};
+
+/// The full name of the directory, in which all else happens.
+TString Directory() {
+  static const fuzz::Scratch scratch;
+  if (std::filesystem::create_directory("sub")) {
+    std::ofstream("sub/\xFF").flush();  // the last of the names
+    for (std::size_t i = 0; i + 1 < std::size(kNames); ++i) {
+      std::ofstream("sub" / std::filesystem::path(kNames[i])).flush();
+    }
+  }
+  return scratch.path.u16string();
+}
+
+void CheckParts(const TString& path, std::uint32_t size) {
+  TChar parts[4][kSize];
+  TChar again[kSize];
+  HFile::SplitName(parts[0], size, parts[1], size, parts[2], size, parts[3], size, path.c_str());
+  const bool hasDrive = path.size() > 1 && path[1] == ':' && path[0] < 128 && std::isalpha(path[0]);
+  const std::size_t drive = hasDrive ? 2 : 0;
+  const std::size_t name = std::max(path.find_last_of(kSeparators) + 1, drive);
+  const std::size_t dot = path.find_last_of('.');
+  const std::size_t ext = dot == TString::npos || dot < name ? path.size() : dot;
+  const TString expected[] = {path.substr(0, drive), path.substr(drive, name - drive), path.substr(name, ext - name),
+                              path.substr(ext)};
+  const bool fits = std::ranges::all_of(expected, [&](const TString& part) { return part.size() < size; });
+  for (std::size_t i = 0; i < 4; ++i) Check(parts[i] == (fits ? expected[i] : TString()));
+  HFile::BuildName(again, kSize, parts[0], parts[1], parts[2], parts[3]);
+  Check(again == (fits && path.size() < kSize ? path : TString()));
+}
+
+void CheckFullName(const TString& name) {
+  TString left = name + TSTR("/");
+  std::ranges::replace(left, '\\', '/');
+  if (!left.starts_with('/') || name.empty()) left = Directory() + TSTR("/") + left;
+  TString full;
+  for (std::size_t end = 0; (end = left.find('/')) != TString::npos; left.erase(0, end + 1)) {
+    const TString step = left.substr(0, end);
+    if (step == TSTR("..")) full.erase(std::min(full.rfind('/'), full.size()));
+    if (step != TSTR("..") && step != TSTR(".") && !step.empty()) full += TSTR("/") + step;
+  }
+  if (full.empty()) full = TSTR("/");
+  TChar got[kSize];
+  HFile::GetFullName(got, kSize, name.c_str());
+  Check(got == (full.size() < kSize ? full : name.substr(0, kSize - 1)));
+  if (full.size() >= kSize) return;
+  TChar again[kSize];
+  HFile::GetFullName(again, kSize, got);
+  Check(TString(again) == got);
+}
+
+/// Whether the pattern matches the name, both from a place on. Tries everything.
+bool Matches(const TString& pattern, std::size_t p, const TString& name, std::size_t n) {
+  if (p == pattern.size()) return n == name.size();
+  const bool isPair = n + 1 < name.size() && name[n] / 1024 == 54 && name[n + 1] / 1024 == 55;
+  const std::size_t behind = n + (isPair ? 2 : 1);
+  if (pattern[p] == '*') {
+    return Matches(pattern, p + 1, name, n) || (n < name.size() && Matches(pattern, p, name, behind));
+  }
+  if (n == name.size()) return false;
+  return pattern[p] == '?' ? Matches(pattern, p + 1, name, behind)
+                           : pattern[p] == name[n] && Matches(pattern, p + 1, name, n + 1);
+}
+
+void CheckPattern(const TString& line) {
+  const TString pattern = line.substr(line.find_last_of(kSeparators) + 1, 200);
+  TString wanted;
+  for (const TChar unit : pattern) {
+    if (unit != '*' || !wanted.ends_with('*')) wanted += unit;
+  }
+  if (pattern == TSTR("*.*")) wanted = TSTR("*");
+  HFileDir dir;
+  TChar got[kSize];
+  bool found = dir.FindFirst(got, kSize, (TSTR("./sub\\") + pattern).c_str());
+  std::int32_t count = 0;
+  for (const TString& name : kNames) {
+    if (!Matches(wanted, 0, name, 0)) continue;
+    const TString path = Directory() + (name == TSTR("..")  ? TSTR("")
+                                        : name == TSTR(".") ? TSTR("/sub")
+                                                            : TSTR("/sub/") + name);
+    Check(found && got == path && dir.Count() == ++count);
+    Check(HFile::Exists(got));
+    found = dir.FindNext(got, kSize);
+  }
+  Check(!found && *got == 0 && dir.Count() == count);
+}
+
+/// The series ends, and changes the extension at each step but the last.
+void CheckBackups(const TString& path) {
+  TString ext = path.substr(std::min(path.find_last_of('.'), path.size()));
+  for (int step = 0;; ++step) {
+    Check(step < 120);
+    std::vector<TChar> buffer(ext.begin(), ext.end());
+    buffer.resize(ext.size() + 3);
+    const bool more = HFile::GetNextBackupExt(buffer.data(), static_cast<std::uint32_t>(buffer.size()));
+    Check(more == (ext != buffer.data()));
+    if (!more) return;
+    ext = buffer.data();
+  }
+}
+
+void CheckBlanks(const TString& text) {
+  const TString blanks = TSTR("\t\n\f\r ");
+  const std::size_t first = std::min(text.find_first_not_of(blanks), text.size());
+  const std::size_t end = text.find_last_not_of(blanks) + 1;
+  TString both = text;
+  TString left = text;
+  TString right = text;
+  Trim(both.data());
+  TrimLeft(left.data());
+  TrimRight(right.data());
+  Check(both.c_str() == text.substr(first, std::max(first, end) - first));
+  Check(left.c_str() == text.substr(first));
+  Check(right.c_str() == text.substr(0, end));
+  Check(IsBlank(text.c_str()) == (first == text.size()));
+}
+
+void CheckTemporary(const TString& prefix, const TString& ext) {
+  HFile file;
+  TChar name[kSize];
+  if (!HFile::CreateTempFile(file, name, kSize, prefix.c_str(), ext.c_str(), TSTR("sub"), false)) {
+    Check(!file.IsOpen() && file.res != resDone);
+    return;
+  }
+  Check(TString(name).starts_with(TSTR("sub\\") + prefix.substr(0, 63)) && file.Length() == 0);
+  file.Close();
+  Check(HFile::Remove(name));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+  std::istringstream lines(std::string(reinterpret_cast<const char*>(data), size));
+  TString last;
+  for (std::string line; std::getline(lines, line);) {
+    TString name;
+    for (std::size_t at = 0; at < line.size(); ++at) {
+      const int unit = line[at] == '%' ? fuzz::HexAt(line, at + 1, 4) : -1;
+      name += unit < 0 ? static_cast<unsigned char>(line[at]) : static_cast<TChar>(unit);
+      at += unit < 0 ? 0 : 4;
+    }
+    std::erase(name, TChar{0});
+    CheckParts(name, kSize);
+    CheckParts(name, static_cast<std::uint32_t>(1 + size % 8));
+    CheckFullName(name);
+    CheckPattern(name);
+    CheckBackups(name);
+    CheckBlanks(name);
+    // Without a step that leads out of the directory.
+    if (name.find(TSTR("..")) == TString::npos) CheckTemporary(name, last);
+    last = name;
+  }
+  return 0;
+}
