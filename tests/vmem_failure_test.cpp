@@ -1,6 +1,7 @@
 // What is left of a space where its swap file refuses a transfer in the middle of an operation.
 
 #include <functional>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "support/Disk.h"
@@ -195,14 +196,32 @@ TEST(VMemFailure, AReadThatFailsHaltsAndLosesNothing) {
   for (const std::int32_t page : {0, 1, 2}) EXPECT_TRUE(vm.Read(page * 1024, 1024) == vm.Content(page));
 }
 
-// A forked child shares the position, and may read.
-TEST(SwapFile, IsReadAndWrittenWithoutItsPosition) {
+// A forked child shares the swap file and its position, and has a copy of the cache. It may read.
+TEST(SwapFile, IsNotDisturbedByAChildThatReads) {
   Peek vm;
-  vm.maxAddress = 8 * 1024;
-  vm.SetLimit(1);
-  vm.Mark({5, 0, 7, 1});
-  vm.Touch({5, 0});
+  vm.maxAddress = 40 * 1024;
+  vm.SetLimit(3);
+  const Addresses pages = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+  vm.Mark(pages);
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const pid_t child = fork();
+  if (child == 0) {
+    char start = 0;
+    bool readable = read(ends[0], &start, 1) == 1;
+    for (std::int32_t page = 9; page >= 0; --page) readable = readable && vm.Read(page * 1024, 1024).size() == 1024;
+    _exit(readable && vm.cacheCount == 4 ? 0 : 1);
+  }
+  for (const std::int32_t page : pages) vm.Write(page * 1024, vm.Content(page + 100));
+  vm.ReleaseCache();
   EXPECT_EQ(lseek(vm.Descriptor(), 0, SEEK_CUR), 0);
+  ASSERT_EQ(write(ends[1], "x", 1), 1);
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  for (const std::int32_t page : pages) EXPECT_TRUE(vm.Read(page * 1024, 1024) == vm.Content(page + 100)) << page;
+  close(ends[0]);
+  close(ends[1]);
 }
 
 }  // namespace

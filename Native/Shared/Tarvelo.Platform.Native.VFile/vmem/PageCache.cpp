@@ -10,6 +10,7 @@
 #include <cstring>
 #include <new>
 
+#include "host/Host.h"
 #include "hsys/Require.h"
 #include "vmem/PageLayout.h"
 
@@ -71,15 +72,25 @@ CacheDesc* VMem::LoadPage(std::int32_t addr) {
 /// A descriptor that is in no list: the spare one for an empty cache, the victim of a full one, else a new one.
 CacheDesc* VMem::TakeDescriptor() {
   if (cacheHead == nullptr && spareDesc != nullptr) return spareDesc;
-  if (cacheHead == nullptr || cacheCount < cacheLimit) {
+  CacheDesc* victim = cacheCount < cacheLimit ? nullptr : Victim();
+  if (victim == nullptr) {
     CacheDesc* p = nullptr;
     NewCachePtr(p);
     return p;
   }
-  CacheDesc* victim = cacheTail;
   if (!FlushCachePtr(victim)) return nullptr;
   UnHashCachePtr(victim);
   Unlink(victim);
+  return victim;
+}
+
+/// The page that leaves a full cache: the tail. A forked child, which is known by its thread's id, shares the swap file with its
+/// parent and must not write on it: there the last page goes that need not be written, and where all have to the cache grows.
+CacheDesc* VMem::Victim() const {
+  CacheDesc* victim = cacheTail;
+  if (ownerThread == host::GetCurrentThreadId()) [[likely]]
+    return victim;
+  while (victim != nullptr && victim->dirty) victim = victim->prev;
   return victim;
 }
 

@@ -240,6 +240,7 @@ class VFILE_API VMem {
   CacheDesc* FindPage(std::int32_t addr);
   CacheDesc* LoadPage(std::int32_t addr);
   CacheDesc* TakeDescriptor();
+  CacheDesc* Victim() const;
   bool FillPage(CacheDesc* p, std::int32_t addr);
   void LinkHead(CacheDesc* p);
   void Unlink(CacheDesc* p);
