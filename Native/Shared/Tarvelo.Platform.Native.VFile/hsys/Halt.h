@@ -7,6 +7,9 @@
 /// Behind a halt that threw or returned, the object that halted must only be destroyed or emptied; its operations that
 /// say so do nothing.
 ///
+/// A disk that is full under the swap file loses nothing by itself: a procedure that throws leads out of the operation, and
+/// under a raised cache bound (`VFile::SetMaxCacheSize`) all files of the thread can then be read and saved.
+///
 /// Thread: a halt comes on the thread that met the failure. The procedure is read and set without a lock: install it
 /// while no other thread can halt. A halt allocates nothing.
 #pragma once
