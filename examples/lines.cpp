@@ -58,7 +58,7 @@ int main(int argc, char** argv) {
   try {
     VFile::SetMaxCacheSize(1024);
     VFile text;
-    text.Load(UnitsOf(argv[1]).c_str(), FILE_SHARE_READ);
+    text.Load(NameOf(argv[1]).c_str(), FILE_SHARE_READ);
     Check(text.res, argv[1]);
     const std::int32_t lines = PrintLines(text, first, last);
     if (lines < last && argc > 2) std::fprintf(stderr, "lines: %s has %d lines\n", argv[1], lines);

@@ -1,9 +1,11 @@
-// recode: writes a text file in another form: ansi, utf8, utf16 or utf16be, the last three with a mark.
+// recode: writes a text file in another form: ansi, utf8, utf16 or utf16be, the last three with a mark. Tells how many
+// characters the forms could not keep.
 
 #include <cstdio>
 #include <exception>
 #include <string>
 
+#include "Losses.h"
 #include "Texts.h"
 #include "tcharvfile/TCharVFile.h"
 
@@ -29,10 +31,12 @@ int main(int argc, char** argv) {
     const TCharVFile::Encoding form = FormOf(argv[1]);
     TCharVFile text;
     TCharVFile::Encoding found;
-    text.LoadText(UnitsOf(argv[2]), found, FILE_SHARE_READ);
+    text.LoadText(NameOf(argv[2]), found, FILE_SHARE_READ);
     Check(text.res, argv[2]);
-    text.SaveText(UnitsOf(argv[3]), false, form, true);
+    TellLossOfLoading(text, argv[2], found);
+    text.SaveText(NameOf(argv[3]), false, form, true);
     Check(text.res, argv[3]);
+    TellLossOfSaving(text, argv[3], form, argv[3]);
     std::printf("%s: %s, %d units; %s: %s\n", argv[2], kForms[found], text.TCharLength(), argv[3], kForms[form]);
     return 0;
   } catch (const std::exception& failure) {

@@ -1,6 +1,7 @@
 // revise: replaces a text everywhere in a file of any size up to 2^31-1 bytes, in a bounded amount of memory.
 //
-// With --text the file is a text file in any of the four forms, OLD and NEW are UTF-8, and what is replaced is characters.
+// With --text the file is a text file in any of the four forms, OLD and NEW are UTF-8, and what is replaced is characters. How
+// many of them the forms could not keep is told.
 //
 // Exit status: 0 done, 1 failed, 2 wrong call. Whatever fails, IN and an OUT that existed are as they were.
 
@@ -19,6 +20,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include "Losses.h"
 #include "Texts.h"
 #include "tcharvfile/TCharVFile.h"
 
@@ -137,7 +139,7 @@ constexpr std::int32_t kStep = 4 << 20;
 
 void LoadFile(VFile& text, const fs::path& path, std::int32_t size) {
   HFile file;
-  file.OpenSeqRead(UnitsOf(path).c_str());
+  file.OpenSeqRead(NameOf(path.native()).c_str());
   Check(file.res, path);
   const Progress progress("loading", size);
   for (std::int32_t left = size; left > 0; left -= kStep) {
@@ -170,7 +172,7 @@ void NoteUnfinished(const fs::path& path) { std::snprintf(unfinishedName, sizeof
 
 void WriteFile(VFile& text, const fs::path& path, bool overwrite) {
   HFile file;
-  file.CreateSeqWrite(UnitsOf(path).c_str(), overwrite);
+  file.CreateSeqWrite(NameOf(path.native()).c_str(), overwrite);
   Check(file.res, path);
   const Progress progress("saving", text.Length());
   if (!overwrite) NoteUnfinished(path);
@@ -235,8 +237,9 @@ std::int32_t ReviseBytes(const Options& options, std::int32_t size, std::uintmax
 std::int32_t ReviseText(const Options& options, std::uintmax_t& written) {
   TCharVFile text;
   TCharVFile::Encoding form;
-  text.LoadText(UnitsOf(options.in), form, FILE_SHARE_READ);
+  text.LoadText(NameOf(options.in.native()), form, FILE_SHARE_READ);
   Check(text.res, options.in);
+  TellLossOfLoading(text, options.in, form);
   const std::int32_t count = text.ReplaceGlobalTChars(
       UnitsOf(options.oldText).c_str(), UnitsOf(options.newText).c_str(), options.ignoreCase, options.wholeWord);
   Check(text.res, options.in);
@@ -244,9 +247,10 @@ std::int32_t ReviseText(const Options& options, std::uintmax_t& written) {
   SaveOut(options.out, options.force, [&](const fs::path& path, bool overwrite) {
     // A name that exists is never taken, so what is there after a failure is this program's.
     if (!overwrite && !fs::exists(path)) NoteUnfinished(path);
-    text.SaveText(UnitsOf(path), overwrite, target, options.bom);
+    text.SaveText(NameOf(path.native()), overwrite, target, options.bom);
     if (text.res == resAlreadyExists) unfinishedName[0] = '\0';
     Check(text.res, path);
+    TellLossOfSaving(text, path, target, options.out);
     written = fs::is_regular_file(path) ? fs::file_size(path) : 0;
   });
   std::printf("%s became %s\n", kForms[form].data(), kForms[target].data());

@@ -68,7 +68,13 @@ int main(int argc, char** argv) {
   }
   try {
     TChar root[kNameSize];
-    HFile::GetFullName(root, kNameSize, argc > 1 ? UnitsOf(argv[1]).c_str() : TSTR(""));
+    const char* name = argc > 1 ? argv[1] : ".";
+    const TString given = NameOf(name);
+    if (!HFile::IsDirectory(given.c_str())) {
+      std::fprintf(stderr, "tree: %s: no such directory\n", name);
+      return 1;
+    }
+    HFile::GetFullName(root, kNameSize, given.c_str());
     Walk(root);
   } catch (const std::exception& failure) {
     PassOver(argv[argc - 1], failure.what());

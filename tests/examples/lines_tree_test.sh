@@ -27,6 +27,9 @@ expect "lines to the end" 0 "        5   4      five" "$lines" in 5 9
 grep -q 'in has 5 lines' errors || { echo "FAILED: the number of lines"; failures=$((failures + 1)); }
 expect "no such line" 1 "" "$lines" in 6
 expect "no such file" 1 "" "$lines" missing
+name=$(printf 'caf\351')
+printf 'un' >"$name"
+expect "a name that is no UTF-8" 0 "        1   0  un" "$lines" "$name" 1
 expect "no number" 2 "" "$lines" in x
 { yes 'a line of some length' | head -n 300000; printf 'last'; } >many
 expect "the last of many" 0 "   300001   0  last" "$lines" many 300001
@@ -48,6 +51,8 @@ expect "a file over the limit" 1 "           1  $full/$(printf 'caf\351')
            3  $full/sub
            9  $full" "$tree" top
 grep -q 'large: over 2147483647 bytes' errors || { echo "FAILED: over the limit"; failures=$((failures + 1)); }
-expect "no directory" 1 "           0  $full/none" "$tree" top/none
-expect "a file for a directory" 1 "           0  $full/a" "$tree" top/a
+expect "no directory" 1 "" "$tree" top/none
+expect "a way through no directory" 1 "" "$tree" top/none/..
+grep -q 'top/none/..: no such directory' errors || { echo "FAILED: the reason"; failures=$((failures + 1)); }
+expect "a file for a directory" 1 "" "$tree" top/a
 exit $failures

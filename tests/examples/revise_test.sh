@@ -62,13 +62,37 @@ works "text without a mark" expected out8 --text --no-bom --encoding utf8 --whol
 "$recode" utf16be text out9 >said && "$recode" utf16 out9 out10 >said && "$recode" utf8 out10 out11 >said ||
   fail "recode: $(cat said)"
 cmp -s text out11 || fail "recode: the text came back different"
+
+told() { # NAME LINES COMMAND...
+  name=$1 lines=$2
+  shift 2
+  "$@" >said 2>errors || fail "$name: $(cat errors)"
+  [ "$(cat errors)" = "$lines" ] || fail "$name: told $(cat errors)"
+}
+
+odd=$(printf 'caf\351')
+cp in "$odd"
+works "a name that is no UTF-8" in "$odd-2" zebra x "$odd" "$odd-2"
+works "a text of such a name" in "$odd-3" --text zebra x "$odd" "$odd-3"
+told "recoding such a name" "" "$recode" utf16 "$odd" "$odd-4"
+printf 'a\377b\303 \357\277\275' >ill
+told "ill-formed bytes" "ill: 2 characters could not be kept" "$revise" --text zebra x ill out12
+printf 'a\357\277\275\377\000\357\277\275' >cut
+told "a 0 byte" "cut: 1 characters could not be kept
+cut: 4 bytes from the first 0 byte on were left out" "$recode" utf16 cut out13
+told "characters that are not in Latin 1" "out14: 2 characters could not be kept" \
+  env LC_ALL=de_DE.ISO-8859-1 "$recode" ansi text out14
+told "the same over a file" "out14: 2 characters could not be kept" \
+  env LC_ALL=de_DE.ISO-8859-1 "$revise" --text --encoding ansi --force zebra x text out14
+told "nothing lost" "" "$recode" utf8 text out15
+
 "$recode" latin text missing-out >said 2>&1 && fail "recode took an unknown form"
 "$recode" utf8 text out11 >said 2>&1 && fail "recode replaced a file"
 
 refused "no arguments" 2 usage
 refused "--bom without --text" 2 usage --bom a b in missing-out
 refused "unknown form" 2 "utf16be" --text --encoding latin a b in missing-out
-refused "OLD is no UTF-8" 1 revise --text "$(printf '\377')" b in missing-out
+refused "OLD is no UTF-8" 1 "not UTF-8" --text "$(printf '\377')" b in missing-out
 refused "missing text" 1 "nowhere: not found" --text a b nowhere missing-out
 refused "full device for a text" 1 "disk full" --text --force a b in /dev/full
 refused "unknown option" 2 usage --what a b in missing-out

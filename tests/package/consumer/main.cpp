@@ -4,11 +4,25 @@
 #include <string>
 #include <thread>
 
-#include "vfile/VFile.h"
+#include "tcharvfile/TCharVFile.h"
 
 namespace {
 
 VFile atStart("made before main");
+
+/// A derived class, which the compiler gives an assignment of its own.
+class CountingFile : public VFile {
+ public:
+  int changes = 0;
+
+ protected:
+  void PostChange(std::int32_t pos, std::int32_t del, std::int32_t ins) override {
+    VFile::PostChange(pos, del, ins);
+    ++changes;
+  }
+};
+
+class DerivedText : public TCharVFile {};
 
 std::string ContentOf(VFile& file) {
   std::string content(static_cast<std::size_t>(file.Length()), '\0');
@@ -23,6 +37,16 @@ int main() {
   static VFile inMain("abc");
   inMain.Insert(inMain, 0, MaxLen);
   bool good = ContentOf(inMain) == "abcabc" && ContentOf(atStart) == "made before main";
+
+  CountingFile counting;
+  CountingFile assigned;
+  counting << "abc";
+  assigned = counting;
+  good = good && assigned.changes == 1 && ContentOf(assigned) == "abc";
+
+  DerivedText text;
+  text << TSTR("abc");
+  good = good && text.ToString() == TSTR("abc");
 
   std::thread([&] {
     thread_local VFile ofThread("x");

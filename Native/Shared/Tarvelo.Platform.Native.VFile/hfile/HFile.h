@@ -4,10 +4,11 @@
 /// @class HFile
 /// A file of the host: open and create, transfer, position; names, and files by name.
 ///
+///     const int values[] = {1, 2, 3};
 ///     HFile file;
-///     file.Create(TSTR("numbers"), true);
+///     file.Create(TSTR("numbers"), false);  // replaces no file
 ///     file.WriteBytes(values, sizeof values);
-///     file.Close();
+///     return file.res;  // the first failure; a `Close` would assign its own result
 ///
 /// The class is unbuffered: one transfer is one call to the host. All positions and lengths are signed 32-bit counts of
 /// bytes, so it serves files of at most 2^31-1 bytes; of a longer file the length that it gives means nothing.

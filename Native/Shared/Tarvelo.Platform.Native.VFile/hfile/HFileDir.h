@@ -6,7 +6,9 @@
 ///
 ///     HFileDir dir;
 ///     TChar name[261];
-///     for (bool found = dir.FindFirst(name, 261, TSTR("logs/*.txt")); found; found = dir.FindNext(name, 261)) ...
+///     for (bool found = dir.FindFirst(name, 261, TSTR("logs/*.txt")); found; found = dir.FindNext(name, 261)) {
+///       HFile::SetReadOnly(name, true);
+///     }
 ///
 /// A pattern is a name whose last step may hold the wildcards "*", any number of characters, and "?", one character. "*.*" is
 /// every name, also one without a dot. A pattern has up to 260 units; what is longer is cut. Each name is handed out as a full

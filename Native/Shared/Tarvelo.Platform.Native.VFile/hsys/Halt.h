@@ -4,8 +4,11 @@
 /// What a caller can cause in ordinary use is a value in `res` (hsys/Res.h). What only broken code can cause, and the
 /// exhaustion of the virtual memory's resources, halts: a message goes to one process-wide procedure, whose default shows
 /// it to the user and calls `abort`. An application may install a procedure of its own, which may log, throw, or return.
-/// Behind a halt that threw or returned, the object that halted must only be destroyed or emptied; its operations that
-/// say so do nothing.
+/// Behind a halt that threw or returned, the operation does nothing further; a file has its old or its new content, and can be
+/// read and saved as far as its pages can be had, emptied and destroyed.
+///
+/// A disk that is full under the swap file loses nothing by itself: a procedure that throws leads out of the operation, and
+/// under a raised cache bound (`VFile::SetMaxCacheSize`) all files of the thread can then be read and saved.
 ///
 /// Thread: a halt comes on the thread that met the failure. The procedure is read and set without a lock: install it
 /// while no other thread can halt. A halt allocates nothing.

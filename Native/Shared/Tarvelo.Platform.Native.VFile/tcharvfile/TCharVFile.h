@@ -7,12 +7,13 @@
 ///     TCharVFile text;
 ///     TCharVFile::Encoding encoding;
 ///     text.LoadText(TSTR("notes.txt"), encoding, FILE_SHARE_READ);
-///     text.ReplaceGlobalTChars(TSTR("teh"), TSTR("the"), false, true);
-///     text.SaveText(TSTR("notes.txt"), true, encoding, true);
+///     if (text.res == resDone) text.ReplaceGlobalTChars(TSTR("teh"), TSTR("the"), false, true);
+///     if (text.res == resDone) text.SaveText(TSTR("revised.txt"), false, encoding, true);
+///     return text.res;
 ///
 /// The content is the bytes of a `VFile` read as 16-bit units, low byte first, without a byte-order mark. The class has no
-/// data of its own and keeps to everything that vfile/VFile.h says of `res`, `eof`, threads and limits. What differs is the
-/// counting.
+/// data of its own and keeps to everything that vfile/VFile.h says of `res`, `eof`, threads and limits; what clears `res` there
+/// clears it here under its name for units, and so do `LoadText`, `SaveText` and `ToString`. What differs is the counting.
 ///
 /// Units: positions, lengths and counts are UTF-16 code units. A character outside the Basic Multilingual Plane is two of
 /// them, and nothing here knows that they belong together. A text holds at most 0x3FFFFFFF units. A position or length that

@@ -6,9 +6,10 @@
 ///
 ///     VFile text;
 ///     text.Load(TSTR("big.log"), FILE_SHARE_READ);
+///     if (text.res != resDone) return text.res;  // what follows would clear it
 ///     text.ReplaceGlobal("colour", "color", false, true);
-///     text.Save(TSTR("big.log"), true);
-///     if (text.res != resDone) ...
+///     text.WriteFile(TSTR("revised.log"), false);  // does nothing after a failure, and replaces no file
+///     return text.res;
 ///
 /// A file is read and written like a file of the host, at a position, but bytes go in and out anywhere at a cost that does
 /// not depend on its length. Its bytes lie in blocks of up to 1024 bytes, each in a page of the thread's `VMem`; the heap
@@ -17,9 +18,13 @@
 /// Units: positions, lengths and counts are bytes, 32-bit signed. A position past the end counts as the end, and a count
 /// past the end as what is there; neither is a failure. A negative one is `resCallError`.
 ///
-/// res: hsys/Res.h tells the rule. While it is not `resDone`, changes, flag changes and transfers do nothing. A `SetPos` to a
-/// valid position, or `Reset`, clears it. Reads do not look at it. Operations return nothing; look at `res` after a run of
-/// them.
+/// res: hsys/Res.h tells the rule. Operations return nothing; look at `res` after a run of them, and before one that clears it:
+///
+///   - While it is not `resDone`, changes, flag changes, `ReadFile`, `WriteFile` and transfers with open files do nothing, and
+///     keep it.
+///   - What first moves to a place of its own clears it: `SetPos` to a valid position, `Reset`, `Load`, `Save`, searches and
+///     `ReplaceGlobal`, the line functions, `ReadTxt`; `Read` and `ReadLine` at a CR without LF; `>>` into a file, if it succeeds.
+///   - Other reads, comparisons, queries and `Flush` neither look at it nor clear it.
 ///
 /// eof: whether the last read ran against an end of the file. Not the same as `Eof()`, which compares the position with the
 /// length: reading the last byte leaves `eof` false.
@@ -120,12 +125,16 @@ class VFILE_API VFile {
   /// @name Assignment
   /// @{
 
+  // The assignment that every derived class has hides these, which is no mistake there.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Woverloaded-virtual"
   /// Makes it the whole content, by one change.
   virtual VFile& operator=(const VFile& source);
   virtual VFile& operator=(const char* text);
   virtual VFile& operator=(signed char ch);
   virtual VFile& operator=(char ch);
   virtual VFile& operator=(unsigned char ch);
+#pragma GCC diagnostic pop
 
   /// @}
   /// @name Diagnosis
@@ -396,7 +405,7 @@ class VFILE_API VFile {
   /// @}
   /// @{
   /// Writes, as the Write family does. A number goes in as text in base `radix`, digits and lower-case letters, with a minus
-  /// sign in base 10 alone; in other bases a negative one shows as its two's complement.
+  /// sign in base 10 alone; in other bases a negative one shows as its two's complement. A base outside 2 to 36 writes nothing.
   VFile& operator<<(signed char ch);
   VFile& operator<<(char ch);
   VFile& operator<<(unsigned char ch);
@@ -436,7 +445,7 @@ class VFILE_API VFile {
   /// @}
   /// @name Search
   ///
-  /// Finds the bytes of a terminated string, not empty, without preparation or memory: Knuth, Morris and Pratt's method with
+  /// Finds the bytes of a terminated string, not empty, without memory on the heap: Knuth, Morris and Pratt's method with
   /// the shift computed from the text at each mismatch. `ignoreCase` compares by `toupper`; `wholeWord` wants no `isalnum`
   /// byte next to the match, and goes on behind a match that has one. An empty text is found at once, where it is asked for.
   /// A search moves the position and `eof` and clears `res`; a negative `pos` is `resCallError`.

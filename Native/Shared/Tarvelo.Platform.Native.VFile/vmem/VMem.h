@@ -4,6 +4,7 @@
 /// @class VMem
 /// A flat address space of up to 2^31-1 bytes outside process memory: paged, cached, and swapped to a temporary file.
 ///
+///     char record[100] = {};
 ///     VMem vm;
 ///     std::int32_t addr;
 ///     vm.Alloc(addr, 100);
