@@ -138,4 +138,16 @@ TEST(Comparison, IsThatOfByteStringsAndLeavesTheFiles) {
   }
 }
 
+// The page that was read last is the first in the cache.
+TEST(Comparison, ReadsLeftThenRight) {
+  struct Cache : VMem {
+    using VMem::cacheHead;
+  };
+  const Chain left({9});
+  const Chain right({9});
+  EXPECT_TRUE(left <= right);
+  const auto* newest = left.vm->*(&Cache::cacheHead);
+  EXPECT_EQ(newest->addr, right.first->addr);
+}
+
 }  // namespace

@@ -42,4 +42,25 @@ TEST(Reading, TextFoldsLineEnds) {
   }
 }
 
+TEST(Reading, TakesWhatTheBufferHolds) {
+  Chain file({2, 3}, "abcde");
+  char byte = 'x';
+  EXPECT_EQ(file.ReadTxt(&byte, 1, 1, 4), 0);
+  EXPECT_EQ(byte, '\0');
+  EXPECT_EQ(file.GetPos(), 1);
+  EXPECT_EQ(file.ReadBytes(nullptr, 0), 0);
+  EXPECT_EQ(file.res, resDone);
+  const std::function<I32(Peek&)> refused[] = {
+      [](Peek& f) { return f.ReadBytes(nullptr, 1); },
+      [](Peek& f) { return f.ReadLine(nullptr, 9); },
+      [](Peek& f) { return f.ReadTxt(nullptr, 9, 0, 1); },
+  };
+  for (const auto& read : refused) {
+    file.SetPos(1);
+    EXPECT_EQ(read(file), 0) << &read - refused;
+    EXPECT_EQ(file.res, resCallError) << &read - refused;
+    EXPECT_EQ(file.GetPos(), 1) << &read - refused;
+  }
+}
+
 }  // namespace

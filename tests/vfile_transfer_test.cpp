@@ -3,6 +3,7 @@
 
 #include "support/Chains.h"
 #include "support/Files.h"
+#include "support/FullDisk.h"
 
 using support::Bytes, support::Chain, support::I32, support::Lengths, support::Pattern, support::Peek;
 
@@ -49,6 +50,39 @@ TEST_F(Transfer, WritesUpToACountInPiecesOf1024) {
     sent.append(piece, support::Size(size));
   }
   EXPECT_EQ(sent, Pattern(2999, 1));
+}
+
+TEST_F(Transfer, WritesTheWholeFromAnyPosition) {
+  const TString name = Name("file");
+  Chain file({1000, 500});
+  file.SetPos(100);
+  file.WriteFile(name.c_str(), false);
+  EXPECT_EQ(file.res, resDone);
+  EXPECT_TRUE(file.Eof());
+  EXPECT_EQ(Content("file"), Pattern(1500));
+}
+
+TEST_F(Transfer, FillsADiskToItsLastByte) {
+  const TString name = Name("file");
+  Chain file({1024, 1000});
+  {
+    const support::FullDisk disk(1500);
+    file.Save(name.c_str(), false);
+  }
+  EXPECT_EQ(file.res, resDiskFull);
+  EXPECT_EQ(file.GetPos(), 2024);
+  EXPECT_EQ(Content("file"), Pattern(1500));
+}
+
+// As behind a halt that returned.
+TEST_F(Transfer, EndsWhereTheChainHoldsLessThanTheLength) {
+  const TString name = Name("file");
+  Chain file({1000, 500});
+  file.length += 10;
+  file.Save(name.c_str(), false);
+  file.length -= 10;
+  EXPECT_EQ(file.res, resNotDone);
+  EXPECT_EQ(Content("file"), Pattern(1500));
 }
 
 TEST_F(Transfer, RefusalsAndFailuresStopIt) {

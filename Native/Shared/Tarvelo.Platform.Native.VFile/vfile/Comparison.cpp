@@ -71,7 +71,10 @@ int Comparison::Difference(const VFile& left, Right& right, std::size_t count) {
   int difference = 0;
   while (count > 0 && difference == 0) {
     const std::size_t chunk = std::min(count, std::size_t{BlkSize});
-    difference = std::memcmp(bytes.Next(chunk), right.Next(chunk), chunk);
+    // Which page is read first is an outcome.
+    const unsigned char* leftBytes = bytes.Next(chunk);
+    const auto* rightBytes = right.Next(chunk);
+    difference = std::memcmp(leftBytes, rightBytes, chunk);
     count -= chunk;
   }
   return difference;

@@ -73,7 +73,8 @@ void VFile::WriteByPieces(bool open, std::int32_t count, WritePiece writePiece) 
   while (count > 0) {
     unsigned char piece[BlkSize];
     const std::int32_t n = ReadBytes(piece, std::min(count, BlkSize));
-    res = writePiece(piece, n);
+    // The chain may hold less than the length says, behind a halt that returned.
+    res = n > 0 ? writePiece(piece, n) : std::int32_t{resNotDone};
     if (res != resDone) return;
     count -= n;
   }

@@ -40,6 +40,7 @@
 #pragma once
 
 #include <climits>
+#include <cstddef>
 #include <cstdint>
 
 #include "hfile/HFile.h"
@@ -145,6 +146,7 @@ class VFILE_API VFile {
   static std::int16_t GetMaxCacheSize();  ///< The bound of the cache in kilobytes.
   /// Bounds the cache in kilobytes; 70 at first.
   static void SetMaxCacheSize(std::int16_t kilobytes);
+  VFILE_REFUSE_CONSTANT(kilobytes != static_cast<std::int16_t>(kilobytes), static void SetMaxCacheSize(int kilobytes))
   /// The directory for the swap file, or null. Valid until it is set again or the thread's last file goes.
   static const TChar* GetTempDir();
   /// Sets it, for the next swap file that is made; a copy is kept, null or empty clears it. Must not be given what
@@ -416,6 +418,34 @@ class VFILE_API VFile {
   VFile& operator+=(const VFile& source);
 
   /// @}
+  /// @name What does not compile
+  ///
+  /// A pointer to characters would pass for a handle; write what it points to, or open the file of that name. A truth or a
+  /// wide character would go out as a number; cast it to what is meant.
+  /// @{
+
+  template <host::Character Char>
+  VFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void ReplaceFile(std::int32_t pos, std::int32_t del, Char* source, std::int32_t count) = delete;
+  template <host::Character Char>
+  void InsertFromFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void ReplaceFromFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void WriteFromFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void AppendFromFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void PrependFromFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void ReadFromFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void WriteToFile(Char* file, std::int32_t count) = delete;
+  template <host::NoNumber Value>
+  VFile& operator<<(Value value) = delete;
+
+  /// @}
   /// @name Flags
   /// @{
 
@@ -530,6 +560,8 @@ class VFILE_API VFile {
   Run RunBackward(RunBuffer& spare);
   /// Moves by `count` bytes, negative for backward, inside the block of the last run. Clears `eof`.
   void Skip(std::int32_t count);
+  /// Whether `size` bytes are a count. If not, a change that could begin otherwise is `resTooLong`. For the library's own classes.
+  VFILE_LOCAL bool AdmitSize(std::size_t size);
 
   /// @}
   /// @name The data model. Derived classes read it; only this class writes it.
@@ -636,6 +668,7 @@ class VFILE_API VFile {
 
   // Editing.cpp
   std::int32_t WriteDel(std::int32_t overwrite) const;
+  VFILE_LOCAL void ReplaceStr(std::int32_t position, std::int32_t del, const char* text);
 
   // Search.cpp
   bool IsWordByteBehind(std::int32_t position);
