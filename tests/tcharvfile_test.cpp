@@ -3,6 +3,7 @@
 
 #include "support/Halts.h"
 #include "support/Heap.h"
+#include "support/HugeString.h"
 #include "support/Texts.h"
 
 using support::TextPeek;
@@ -99,16 +100,26 @@ TEST(Lines, AreReadAndExported) {
   text.ReplaceBuf(0, 0, "a", 1);
   EXPECT_TRUE(text.ToString().empty() && text.pos == 1) << "nothing to export";
   text.ReplaceBuf(1, 0, "\0\0\0\r\0\n", 6);
-  {
-    const support::FailingHeap heap(1);
-    EXPECT_TRUE(text.ToString().empty() && text.res == resHeapOverflow && text.pos == 7);
-  }
   EXPECT_TRUE(text.ToString() == (TString{'a', 0, '\r'}) && text.res == resDone && text.pos == 6 && !text.eof);
   text.Reset();
   EXPECT_TRUE(text.ReadLine(line, 5) == 2 && !text.eof && text.pos == 6) << "CR and half a unit";
   EXPECT_TRUE(text.ReadLine(nullptr, 5) == 0 && text.res == resCallError && text.pos == 6);
   text.SetPos(0);
   EXPECT_TRUE(text.ReadLine(line, 0) == 0 && text.res == resCallError && text.pos == 0 && line[0] == 'a');
+}
+
+TEST(Lines, AreNotExportedWithoutMemory) {
+  TextPeek text;
+  text = TString(100, u'x').c_str();
+  text.SetTCharPos(7);
+  TString exported;
+  {
+    const support::FailingHeap heap(1, support::FailingHeap::kAll);
+    exported = text.ToString();
+  }
+  EXPECT_EQ(exported, TString());
+  EXPECT_EQ(text.res, resHeapOverflow);
+  EXPECT_EQ(text.GetTCharPos(), 7);
 }
 
 TEST(TextSearch, KnowsWhatItCannotFind) {
@@ -133,6 +144,32 @@ TEST(TextSearch, KnowsWhatItCannotFind) {
   text.allowed = 2;
   EXPECT_EQ(text.ReplaceGlobalTChars(TSTR("a"), TSTR("b"), false, false), 2);
   EXPECT_TRUE(text.res == resNotSupported && text.Units() == TSTR("bba\u00C4["));
+}
+
+TEST(TextSearch, ReplacesInAnyCaseUpToTheEndByAChangeOfItsOwn) {
+  TextPeek text;
+  text = TSTR("xaBabAb");
+  EXPECT_EQ(text.ReplaceGlobalTChars(TSTR("Ab"), TSTR("ab\u00E9"), true, false), 3);
+  EXPECT_EQ(text.Units(), TSTR("xab\u00E9ab\u00E9ab\u00E9"));
+  EXPECT_EQ(text.log, "");
+}
+
+TEST(HugeStrings, AreTooLongAndNeverCut) {
+  if (!support::kHasHugeStrings) GTEST_SKIP() << "no room for them";
+  const support::HugeString huge;
+  const TChar* units = huge.Units(support::HugeString::kNoCount);
+  const std::function<void(TextPeek&)> changes[] = {
+      DO(f << units),
+      DO(f = units),
+      DO(f.ReplaceGlobalTChars(TSTR("b"), units, false, false)),
+  };
+  for (const auto& change : changes) {
+    TextPeek text;
+    text = TSTR("abc");
+    change(text);
+    EXPECT_EQ(text.res, resTooLong) << &change - changes;
+    EXPECT_EQ(text.Units(), TSTR("abc")) << &change - changes;
+  }
 }
 
 }  // namespace
