@@ -12,7 +12,7 @@
 ///
 /// The content is the bytes of a `VFile` read as 16-bit units, low byte first, without a byte-order mark. The class has no
 /// data of its own and keeps to everything that vfile/VFile.h says of `res`, `eof`, threads and limits. What differs is the
-/// counting.
+/// counting. `LoadText`, `SaveText`, the searches and `ToString` clear `res` as those of `VFile` do.
 ///
 /// Units: positions, lengths and counts are UTF-16 code units. A character outside the Basic Multilingual Plane is two of
 /// them, and nothing here knows that they belong together. A text holds at most 0x3FFFFFFF units. A position or length that
