@@ -68,9 +68,11 @@ TEST(Editing, EachVerbOfEachSourceIsOneCallOfAPrimitive) {
   // clang-format on
   for (const auto& [verbs, primitive, overwrite, passed] : rows) {
     for (std::size_t verb = 0; verb < 10; ++verb) {
-      const std::string over = "2 " + overwrite, places[] = {"2 0", over, verb > 4 ? "2 0" : over, "6 0", "0 0"};
+      const std::string over = "2 " + overwrite;
+      const std::string places[] = {"2 0", over, verb > 4 ? "2 0" : over, "6 0", "0 0"};
       Recorder recorder;
-      recorder.SetFlag(vfInsert, verb > 4), verbs[verb % 5](recorder);
+      recorder.SetFlag(vfInsert, verb > 4);
+      verbs[verb % 5](recorder);
       EXPECT_EQ(recorder.log, primitive + places[verb % 5] + " " + passed) << verb;
     }
   }
@@ -87,16 +89,17 @@ TEST(Editing, EachVerbOfEachSourceIsOneCallOfAPrimitive) {
       {DO(f.radix = 36; f << ll << uq), "Buf 2 same 13ki3x4o8d4xt 13;Buf 2 same 13ki3x4o8d4xt 13;",
        "Buf 2 0 13ki3x4o8d4xt 13;Buf 2 0 13ki3x4o8d4xt 13;"},
       {DO(f << "" << source), "Buf 2 same  0;Txt 2 same 9@0 max;", "Buf 2 0  0;Txt 2 0 9@0 max;"},
-      {DO(f.Delete(1, 9), f.Truncate()), "Buf 1 9  0;Buf 2 max  0;", ""},
-      {DO(f = source, f = "xy"), "Txt 0 6 9@0 max;Buf 0 6 xy 2;", ""},
-      {DO(f = s, f = 'x', f = u), "Buf 0 6 x 1;Buf 0 6 x 1;Buf 0 6 x 1;", ""},
-      {DO(f += 'x', f += "xy"), "Buf 6 0 x 1;Buf 6 0 xy 2;", ""}, {DO((f += s) += u), "Buf 6 0 x 1;Buf 6 0 x 1;", ""},
-      {DO(f += source), "Txt 6 0 9@0 max;", ""}, {DO(other.SetPos(2), other >> f), "Txt 0 max 5@2 max;", ""}};
+      {DO(f.Delete(1, 9); f.Truncate()), "Buf 1 9  0;Buf 2 max  0;", ""},
+      {DO(f = source; f = "xy"), "Txt 0 6 9@0 max;Buf 0 6 xy 2;", ""},
+      {DO(f = s; f = 'x'; f = u), "Buf 0 6 x 1;Buf 0 6 x 1;Buf 0 6 x 1;", ""},
+      {DO(f += 'x'; f += "xy"), "Buf 6 0 x 1;Buf 6 0 xy 2;", ""}, {DO((f += s) += u), "Buf 6 0 x 1;Buf 6 0 x 1;", ""},
+      {DO(f += source), "Txt 6 0 9@0 max;", ""}, {DO(other.SetPos(2); other >> f), "Txt 0 max 5@2 max;", ""}};
   // clang-format on
   for (const auto& [call, log, inserting] : others) {
     for (const bool insert : {false, true}) {
       Recorder recorder;
-      recorder.SetFlag(vfInsert, insert), call(recorder);
+      recorder.SetFlag(vfInsert, insert);
+      call(recorder);
       EXPECT_EQ(recorder.log, insert && !inserting.empty() ? inserting : log);
     }
   }
@@ -105,7 +108,8 @@ TEST(Editing, EachVerbOfEachSourceIsOneCallOfAPrimitive) {
 TEST(Editing, ConstructorsPutTheContentInAndStandBehindIt) {
   HFile closed;
   Peek source("0123456789");
-  source.SetFlags(vfInsert), source.Reset();
+  source.SetFlags(vfInsert);
+  source.Reset();
   const auto show = [](const Peek& f) {
     return Bytes(f) + (f.Eof() && f.GetFlags() == 0 ? " " : "!") + std::to_string(f.res);
   };
