@@ -151,7 +151,7 @@ class VFILE_API VFile {
   static void ReleaseCache();             ///< Writes all changed pages to the swap file and empties the cache.
   static std::int16_t GetCacheSize();     ///< Kilobytes that the cache takes now.
   static std::int16_t GetMaxCacheSize();  ///< The bound of the cache in kilobytes.
-  /// Bounds the cache in kilobytes; 70 at first.
+  /// Bounds the cache in kilobytes; 70 at first. A constant that does not fit does not compile, or gets the compiler's warning.
   static void SetMaxCacheSize(std::int16_t kilobytes);
   VFILE_REFUSE_CONSTANT(kilobytes != static_cast<std::int16_t>(kilobytes), static void SetMaxCacheSize(int kilobytes))
   /// The directory for the swap file, or null. Valid until it is set again or the thread's last file goes.
