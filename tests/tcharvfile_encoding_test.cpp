@@ -1,11 +1,10 @@
-#include <csignal>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <set>
 #include <sstream>
-#include <sys/resource.h>
 
 #include "support/Files.h"
+#include "support/FullDisk.h"
 #include "support/Heap.h"
 #include "support/Texts.h"
 
@@ -14,7 +13,9 @@ using support::TextPeek;
 namespace {
 
 using Encoding = TCharVFile::Encoding;
-constexpr auto kAnsi = TCharVFile::encAnsi, kUtf16 = TCharVFile::encUtf16, kUtf16BE = TCharVFile::encUtf16BE;
+constexpr auto kAnsi = TCharVFile::encAnsi;
+constexpr auto kUtf16 = TCharVFile::encUtf16;
+constexpr auto kUtf16BE = TCharVFile::encUtf16BE;
 constexpr Encoding kForms[] = {kAnsi, kUtf16, kUtf16BE, TCharVFile::encUtf8};
 const std::string kMarks[] = {"", "\xFF\xFE", "\xFE\xFF", "\xEF\xBB\xBF"};
 
@@ -53,7 +54,7 @@ std::string Body(TString text, Encoding form) {
 
 template <typename Call>
 void Exhausted(int failing, Call call) {
-  const support::FailingHeap heap(failing);
+  const support::FailingHeap heap(failing, support::FailingHeap::kAll);
   call();
 }
 
@@ -71,7 +72,9 @@ class TextFiles : public support::InDirectory {
     text.res = resTooLong;
     Encoding form;
     text.LoadText(Name("loaded") + TChar{0}, form, FILE_SHARE_READ);
-    EXPECT_TRUE(text.res == resDone && text.pos == 0 && !text.eof);
+    EXPECT_EQ(text.res, resDone);
+    EXPECT_EQ(text.pos, 0);
+    EXPECT_FALSE(text.eof);
     EXPECT_EQ(text.length % 2, form == kUtf16 ? support::Count(bytes.size()) % 2 : 0);
     return {form, text.ToString()};
   }
@@ -90,26 +93,31 @@ TEST_F(TextFiles, AreToldByTheMarkAlone) {
 }
 
 TEST_F(TextFiles, ComeBackAsTheyWereSaved) {
-  TString all, pairs;
+  TString all;
+  TString pairs;
   for (std::uint32_t unit = 1; unit <= 0x10000; ++unit) all += static_cast<TChar>(unit);
   constexpr TChar kinds[] = {'a', 0xD800, 0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0x7FF};
   for (std::size_t i = 0; i < 7 * 7 * 7; ++i) {
-    (pairs += TString(i % 10, u'a')) += {kinds[i % 7], kinds[i / 7 % 7], kinds[i / 49]};
+    pairs += TString(i % 10, u'a');
+    pairs += {kinds[i % 7], kinds[i / 7 % 7], kinds[i / 49]};
   }
   for (const TString& units : {TString(), all, pairs, pairs + TChar{0xD83D}}) {
     for (const int value : {-1, 0, 1, 2, 3, 4}) {
-      const auto asked = static_cast<Encoding>(value), form = value < 0 || value > 3 ? kAnsi : asked;
-      const std::string body = Body(units, form), odd = form == kUtf16 ? "x" : "";
+      const auto asked = static_cast<Encoding>(value);
+      const auto form = value < 0 || value > 3 ? kAnsi : asked;
+      const std::string body = Body(units, form);
+      const std::string odd = form == kUtf16 ? "x" : "";
       TextPeek text;
       text.ReplaceBuf(0, 0, (support::Bytes(units) + "x").data(), 2 * support::Count(units.size()) + 1);
       text.res = resTooLong;
-      EXPECT_TRUE(Save(text, asked, false) == body + odd && Save(text, asked) == kMarks[form] + body + odd) << value;
+      EXPECT_TRUE(Save(text, asked, false) == body + odd) << value;
+      EXPECT_TRUE(Save(text, asked) == kMarks[form] + body + odd) << value;
       EXPECT_EQ(std::pair(text.pos, text.res), std::pair(text.length - (form == kUtf16 ? 0 : 1), std::int32_t{resDone}))
           << value;
       const auto [told, back] = Load(kMarks[form] + body);
       const bool converted = form != kUtf16 && form != kUtf16BE;
-      EXPECT_TRUE(told == form && (converted ? ToUtf8(back, "!") == body.substr(0, body.find('\0')) : back == units))
-          << value;
+      EXPECT_EQ(told, form) << value;
+      EXPECT_TRUE(converted ? ToUtf8(back, "!") == body.substr(0, body.find('\0')) : back == units) << value;
     }
   }
 }
@@ -127,17 +135,22 @@ TEST_F(TextFiles, ReplaceEachMaximalIllFormedSequence) {
     for (std::string row; std::getline(in, row, '/');) {
       const std::string bad = std::string(shift, 'a') + Hex<std::string>(row);
       const TString replaced = TString(shift, u'a') + TString(support::Size(row.back() - '0'), 0xFFFD);
-      bytes += bad + "A\xF0\x9F\x98\x80", units += replaced + TSTR("A\U0001F600");
+      bytes += bad + "A\xF0\x9F\x98\x80";
+      units += replaced + TSTR("A\U0001F600");
       EXPECT_EQ(Load(kMarks[3] + bad).second, replaced) << row;
     }
   }
-  EXPECT_TRUE(Load(kMarks[3] + bytes).second == units && Load("a" + bytes).second == u'a' + units);
+  EXPECT_TRUE(Load(kMarks[3] + bytes).second == units);
+  EXPECT_TRUE(Load("a" + bytes).second == u'a' + units);
 }
 
 TEST_F(TextFiles, FailToLoadAsTheirStepsDo) {
   Put("file", "new");
-  const TString file = Name("file"), none, old = TSTR("old"), missing = Name("missing"),
-                memory = TSTR("/proc/self/mem");
+  const TString file = Name("file");
+  const TString missing = Name("missing");
+  const TString memory = TSTR("/proc/self/mem");
+  const TString old = TSTR("old");
+  const TString none;
   HFile reader;
   EXPECT_TRUE(reader.OpenSeqRead(file.c_str()));
   // clang-format off
@@ -176,20 +189,25 @@ TEST_F(TextFiles, MeetAnExhaustedHeap) {
   for (const Encoding form : kForms) {
     const std::string bytes = kMarks[form] + Body(units, form);
     Put("file", bytes);
+    const TString file = Name("file");
+    const TString saved = Name("saved");
     std::set<std::pair<Encoding, std::string>> outcomes, all{{kUtf16, ""}, {form, support::Bytes(units)}};
     if (form != kUtf16) all.insert({{form, ""}, {form, bytes}});
     for (int failing = 1, failed = true; failed; ++failing) {
-      TextPeek text;
+      TCharVFile text;
       text = TSTR("old");
       auto told = kAnsi;
-      Exhausted(failing, [&] { text.LoadText(Name("file"), told, 0); });
+      Exhausted(failing, [&] { text.LoadText(file, told, 0); });
       failed = support::FailingHeap::HasFailed();
       EXPECT_EQ(text.res, failed ? resHeapOverflow : resDone);
       outcomes.insert({told, Save(text, kUtf16, false)});
       if (failed) continue;
-      Exhausted(1, [&] { text.SaveText(Name("saved"), true, form, true); });
-      EXPECT_EQ(text.res, form == kUtf16 ? resDone : resHeapOverflow);
-      EXPECT_EQ(Content("saved"), form == kUtf16 ? bytes : kMarks[form]);
+      for (int k = 1, lacked = true; lacked; ++k) {
+        Exhausted(k, [&] { text.SaveText(saved, true, form, true); });
+        lacked = support::FailingHeap::HasFailed();
+        EXPECT_EQ(text.res, lacked ? resHeapOverflow : resDone) << k;
+        EXPECT_EQ(Content("saved"), lacked ? kMarks[form] : bytes) << k;
+      }
     }
     EXPECT_TRUE(outcomes == all) << form;
   }
@@ -198,26 +216,26 @@ TEST_F(TextFiles, MeetAnExhaustedHeap) {
 
 TEST_F(TextFiles, AreSavedAsFarAsTheDiskTakesThem) {
   const TString units = TString(1200, u'x') + TSTR("\u00E9\u20AC\U0001F600");
-  std::signal(SIGXFSZ, SIG_IGN);
-  rlimit unlimited{};
-  getrlimit(RLIMIT_FSIZE, &unlimited);
   for (const Encoding form : kForms) {
     const std::string whole = kMarks[form] + Body(units, form);
-    TCharVFile text, empty;
+    TCharVFile empty;
+    TCharVFile text;
     text = units;
     for (const rlim_t limit :
          {0u, 1u, 2u, 3u, 4u, 1024u, 1025u, 1026u, 1027u, 2049u, 2050u, 2051u, 2410u, 2411u, 3000u}) {
-      const rlimit limited{limit, unlimited.rlim_max};
-      setrlimit(RLIMIT_FSIZE, &limited);
-      text.SaveText(Name("file"), true, form, true);
-      setrlimit(RLIMIT_FSIZE, &unlimited);
+      {
+        const support::FullDisk disk(limit);
+        text.SaveText(Name("file"), true, form, true);
+      }
       EXPECT_EQ(text.res, limit < whole.size() ? resDiskFull : resDone) << form << " " << limit;
       EXPECT_TRUE(Content("file") == whole.substr(0, limit)) << form << " " << limit;
     }
     text.SaveText(Name("file"), false, form, true);
-    EXPECT_TRUE(text.res == resAlreadyExists && Content("file") == whole);
+    EXPECT_EQ(text.res, resAlreadyExists) << form;
+    EXPECT_TRUE(Content("file") == whole) << form;
     for (TCharVFile* file : {&text, &empty}) file->SaveText(TSTR("/dev/full"), true, form, true);
-    EXPECT_TRUE(text.res == resDiskFull && empty.res == (form == kAnsi ? resDone : resDiskFull));
+    EXPECT_EQ(text.res, resDiskFull) << form;
+    EXPECT_EQ(empty.res, form == kAnsi ? resDone : resDiskFull) << form;
   }
 }
 
@@ -240,14 +258,18 @@ TEST_F(TextFiles, AreInTheCodePageOfTheEnvironment) {
       for (const auto& [name, value] : {std::pair("LC_ALL", row.all), {"LC_CTYPE", row.ctype}, {"LANG", row.lang}}) {
         value == nullptr ? unsetenv(name) : setenv(name, value, 1);
       }
-      std::string bytes, saved;
+      std::string bytes;
+      std::string saved;
       TString units;
       TCharVFile text;
       for (int i = 0; i < 3000; ++i) {
-        bytes += Hex<std::string>(row.bytes), units += Hex<TString>(row.units);
-        text << other, saved += Hex<std::string>(row.saved);
+        bytes += Hex<std::string>(row.bytes);
+        units += Hex<TString>(row.units);
+        saved += Hex<std::string>(row.saved);
+        text << other;
       }
-      EXPECT_TRUE(Load(bytes) == std::pair(kAnsi, units) && Save(text, kAnsi) == saved);
+      EXPECT_TRUE(Load(bytes) == std::pair(kAnsi, units));
+      EXPECT_TRUE(Save(text, kAnsi) == saved);
       std::filesystem::remove_all(Directory());
       _exit(HasFailure() ? 1 : 0);
     };

@@ -1,6 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "support/Chains.h"
+#include "support/Files.h"
+#include "support/FullDisk.h"
+#include "support/Halts.h"
+#include "support/HugeString.h"
+#include "tcharvfile/TCharVFile.h"
+#include "vfile/ThreadValues.h"
 
 using support::Bytes, support::Chain, support::I32, support::Peek, support::Pipe, support::Size;
 
@@ -62,9 +68,11 @@ TEST(Editing, EachVerbOfEachSourceIsOneCallOfAPrimitive) {
   // clang-format on
   for (const auto& [verbs, primitive, overwrite, passed] : rows) {
     for (std::size_t verb = 0; verb < 10; ++verb) {
-      const std::string over = "2 " + overwrite, places[] = {"2 0", over, verb > 4 ? "2 0" : over, "6 0", "0 0"};
+      const std::string over = "2 " + overwrite;
+      const std::string places[] = {"2 0", over, verb > 4 ? "2 0" : over, "6 0", "0 0"};
       Recorder recorder;
-      recorder.SetFlag(vfInsert, verb > 4), verbs[verb % 5](recorder);
+      recorder.SetFlag(vfInsert, verb > 4);
+      verbs[verb % 5](recorder);
       EXPECT_EQ(recorder.log, primitive + places[verb % 5] + " " + passed) << verb;
     }
   }
@@ -81,16 +89,17 @@ TEST(Editing, EachVerbOfEachSourceIsOneCallOfAPrimitive) {
       {DO(f.radix = 36; f << ll << uq), "Buf 2 same 13ki3x4o8d4xt 13;Buf 2 same 13ki3x4o8d4xt 13;",
        "Buf 2 0 13ki3x4o8d4xt 13;Buf 2 0 13ki3x4o8d4xt 13;"},
       {DO(f << "" << source), "Buf 2 same  0;Txt 2 same 9@0 max;", "Buf 2 0  0;Txt 2 0 9@0 max;"},
-      {DO(f.Delete(1, 9), f.Truncate()), "Buf 1 9  0;Buf 2 max  0;", ""},
-      {DO(f = source, f = "xy"), "Txt 0 6 9@0 max;Buf 0 6 xy 2;", ""},
-      {DO(f = s, f = 'x', f = u), "Buf 0 6 x 1;Buf 0 6 x 1;Buf 0 6 x 1;", ""},
-      {DO(f += 'x', f += "xy"), "Buf 6 0 x 1;Buf 6 0 xy 2;", ""}, {DO((f += s) += u), "Buf 6 0 x 1;Buf 6 0 x 1;", ""},
-      {DO(f += source), "Txt 6 0 9@0 max;", ""}, {DO(other.SetPos(2), other >> f), "Txt 0 max 5@2 max;", ""}};
+      {DO(f.Delete(1, 9); f.Truncate()), "Buf 1 9  0;Buf 2 max  0;", ""},
+      {DO(f = source; f = "xy"), "Txt 0 6 9@0 max;Buf 0 6 xy 2;", ""},
+      {DO(f = s; f = 'x'; f = u), "Buf 0 6 x 1;Buf 0 6 x 1;Buf 0 6 x 1;", ""},
+      {DO(f += 'x'; f += "xy"), "Buf 6 0 x 1;Buf 6 0 xy 2;", ""}, {DO((f += s) += u), "Buf 6 0 x 1;Buf 6 0 x 1;", ""},
+      {DO(f += source), "Txt 6 0 9@0 max;", ""}, {DO(other.SetPos(2); other >> f), "Txt 0 max 5@2 max;", ""}};
   // clang-format on
   for (const auto& [call, log, inserting] : others) {
     for (const bool insert : {false, true}) {
       Recorder recorder;
-      recorder.SetFlag(vfInsert, insert), call(recorder);
+      recorder.SetFlag(vfInsert, insert);
+      call(recorder);
       EXPECT_EQ(recorder.log, insert && !inserting.empty() ? inserting : log);
     }
   }
@@ -99,7 +108,8 @@ TEST(Editing, EachVerbOfEachSourceIsOneCallOfAPrimitive) {
 TEST(Editing, ConstructorsPutTheContentInAndStandBehindIt) {
   HFile closed;
   Peek source("0123456789");
-  source.SetFlags(vfInsert), source.Reset();
+  source.SetFlags(vfInsert);
+  source.Reset();
   const auto show = [](const Peek& f) {
     return Bytes(f) + (f.Eof() && f.GetFlags() == 0 ? " " : "!") + std::to_string(f.res);
   };
@@ -108,5 +118,123 @@ TEST(Editing, ConstructorsPutTheContentInAndStandBehindIt) {
   EXPECT_EQ(chars + show(Peek("abc")) + show({Pipe("abcd").Handle(), 3}) + show({closed, 3}), "xxx 0y 0 2abc 0abc 0 2");
   EXPECT_EQ(show({source, 8, 7}) + show(source) + show(Peek(source)), "89 00123456789!00123456789 0");
 }
+
+// Each needs more pages than the cache has, and the disk has no room for them.
+TEST(Editing, AConstructorThatHaltsLeavesNothingOfItself) {
+  const std::string text(5000, 'x');
+  VFile::SetMaxCacheSize(2);
+  {
+    const VFile source(text.c_str());
+    const support::FullDisk disk(0);
+    const std::function<void()> constructions[] = {
+        [&] { VFile('x', 5000); },
+        [&] { VFile(text.c_str()); },
+        [&] { VFile(Pipe(text).Handle(), 5000); },
+        [&] {
+          HFile file(host::HandleFromDescriptor(dup(Pipe(text).ends[0])));
+          VFile(file, 5000);
+        },
+        [&] { VFile{source}; },
+    };
+    for (const auto& construct : constructions) {
+      EXPECT_NE(support::HaltOf(construct), "") << &construct - constructions;
+      EXPECT_EQ(vfile::GetOpenFileCount(), 1) << &construct - constructions;
+    }
+  }
+  EXPECT_EQ(vfile::GetThreadVMem(), nullptr);
+  VFile::SetMaxCacheSize(70);
+}
+
+using HugeStrings = support::InDirectory;
+
+TEST_F(HugeStrings, AreTooLongAndNeverCut) {
+  using Huge = support::HugeString;
+  if (!support::kHasHugeStrings) GTEST_SKIP() << "no room for them";
+  const Huge huge;
+  const char* text = huge.Bytes(Huge::kNoCount);
+  const TString name = Name("file");
+  HFile file;
+  EXPECT_TRUE(file.Create(name.c_str(), false));
+  file.Write(text);
+  EXPECT_EQ(file.res, resTooLong);
+  EXPECT_EQ(file.Length(), 0);
+  EXPECT_EQ(VFile(text).res, resTooLong);
+  const std::function<void(Peek&)> changes[] = {
+      DO(f.Insert(text)),
+      DO(f = text),
+      DO(f.ReplaceGlobal("b", text, false, false)),
+  };
+  for (const auto& change : changes) {
+    Peek content("abc");
+    change(content);
+    EXPECT_EQ(content.res, resTooLong) << &change - changes;
+    EXPECT_EQ(Bytes(content), "abc") << &change - changes;
+  }
+  Peek content("axx");
+  content.SetFlags(vfReadOnly);
+  content.Append(text);
+  EXPECT_EQ(content.res, resReadOnly);
+  I32 at = 0;
+  EXPECT_FALSE(content.Find(at, huge.Bytes(Huge::kCutToOne), false, false));
+  EXPECT_TRUE(content.eof);
+  EXPECT_TRUE(content < text);
+}
+
+// ---- What compiles ----
+
+template <typename Source>
+constexpr int kHandleForms = std::is_constructible_v<HFile, Source> + std::is_constructible_v<VFile, Source, int> +
+                             requires(VFile& f, Source s) {
+  f.ReplaceFile(0, 0, s, 1);
+}
++ requires(VFile& f, Source s) {
+  f.InsertFromFile(s, 1);
+}
++ requires(VFile& f, Source s) {
+  f.ReplaceFromFile(s, 1);
+}
++ requires(VFile& f, Source s) {
+  f.WriteFromFile(s, 1);
+}
++ requires(VFile& f, Source s) {
+  f.AppendFromFile(s, 1);
+}
++ requires(VFile& f, Source s) {
+  f.PrependFromFile(s, 1);
+}
++ requires(VFile& f, Source s) {
+  f.ReadFromFile(s, 1);
+}
++ requires(VFile& f, Source s) {
+  f.WriteToFile(s, 1);
+};
+template <typename... Source>
+constexpr bool kHandles = (... && (kHandleForms<Source> == 10));
+template <typename... Source>
+constexpr bool kNoHandles = (... && (kHandleForms<Source> == 0));
+
+static_assert(kHandles<HANDLE, std::nullptr_t, int*, HFile*>);
+static_assert(kNoHandles<char*, signed char*, unsigned char*, wchar_t*, char8_t*, char16_t*, char32_t*>);
+static_assert(kNoHandles<const char*, const unsigned char*, const TChar*, char (&)[3], const wchar_t (&)[3]>);
+
+template <typename File, typename Value>
+concept Writes = requires(File& file, Value value) {
+  file << value;
+};
+template <typename File, typename... Value>
+constexpr bool kWrites = (... && Writes<File, Value>);
+template <typename File, typename... Value>
+constexpr bool kRefuses = (... && !Writes<File, Value>);
+
+static_assert(kWrites<VFile, char, signed char, unsigned char, const char*, const VFile&>);
+static_assert(kWrites<HFile, char, signed char, unsigned char, const char*>);
+static_assert(kWrites<TCharVFile, TChar, const TChar*, const TString&, const TCharVFile&>);
+static_assert(kWrites<VFile, short, unsigned, long, unsigned long long, Res>);
+static_assert(kWrites<HFile, short, unsigned, long, unsigned long long, Res>);
+static_assert(kWrites<TCharVFile, short, unsigned, long, unsigned long long, Res>);
+static_assert(kRefuses<VFile, bool, wchar_t, char8_t, char16_t, char32_t, const TChar*>);
+static_assert(kRefuses<HFile, bool, wchar_t, char8_t, char16_t, char32_t, const TChar*>);
+static_assert(kRefuses<TCharVFile, bool, char, signed char, unsigned char, char8_t, char32_t, const char*>);
+static_assert(kRefuses<TCharVFile, std::conditional_t<std::is_same_v<TChar, wchar_t>, char16_t, wchar_t>>);
 
 }  // namespace

@@ -10,7 +10,10 @@ namespace {
 using Outcome = std::vector<I32>;
 
 Outcome Ask(Peek& f, int operation, I32 at) {
-  I32 start = -7, size = -7, eolSize = -7, result = 0;
+  I32 start = -7;
+  I32 size = -7;
+  I32 eolSize = -7;
+  I32 result = 0;
   if (operation == 0) result = f.LineStart(at);
   if (operation == 1) f.LineSize(at, start, size, eolSize);
   if (operation == 2) result = f.LineEnd(at, false) + 10000 * f.LineEnd(at, true);
@@ -20,39 +23,66 @@ Outcome Ask(Peek& f, int operation, I32 at) {
 
 /// The same, byte by byte.
 struct ByByte {
-  char Next() { return f.ReadChar(c), c; }
-  char Prev() { return f.ReadPrevChar(c), c; }
+  char Next() {
+    f.ReadChar(c);
+    return c;
+  }
+  char Prev() {
+    f.ReadPrevChar(c);
+    return c;
+  }
   I32 Start(I32 at) {
-    if ((at = std::min(at, f.Length())) == 0) return 0;
-    if (f.SetPos(at), Prev() == '\r') {
-      if (f.SetPos(at), Next() != '\n') return at;
-      f.SetPos(at), Prev(), --at, Prev();
+    at = std::min(at, f.Length());
+    if (at == 0) return 0;
+    f.SetPos(at);
+    if (Prev() == '\r') {
+      f.SetPos(at);
+      if (Next() != '\n') return at;
+      f.SetPos(at);
+      Prev();
+      --at;
+      Prev();
     }
     for (; at > 0 && c != '\r' && c != '\n'; --at) Prev();
     return at;
   }
-  void Measure(I32 at, I32& start, I32& size, I32& eolSize) {
-    f.SetPos(start = Start(at)), size = eolSize = 0;
-    while (eolSize == 0 && (Next(), !f.eof)) {
-      if (++size; c == '\r' || c == '\n') eolSize = 1;
-      if (c == '\r' && Next() == '\n') ++size, ++eolSize;
+  void Measure(I32 at) {
+    start = Start(at);
+    f.SetPos(start);
+    size = 0;
+    eolSize = 0;
+    while (eolSize == 0) {
+      Next();
+      if (f.eof) return;
+      ++size;
+      if (c == '\r' || c == '\n') eolSize = 1;
+      if (c == '\r' && Next() == '\n') eolSize = 2;
     }
+    size += eolSize - 1;
   }
   Outcome Ask(int operation, I32 at) {
-    I32 start = -7, size = -7, eolSize = -7, result = 0;
-    if (at < 0) f.res = resCallError;
-    if (at >= 0 && operation == 0) result = Start(at);
-    if (at >= 0 && operation > 0) Measure(at, start, size, eolSize);
-    if (at >= 0 && operation == 2) result = start + size - eolSize + 10000 * (start + size);
-    if (at >= 0 && operation == 3) {
-      for (f.SetPos(start); Next() == ' ';) ++result;
+    I32 result = 0;
+    if (at < 0) {
+      f.res = resCallError;
+    } else if (operation == 0) {
+      result = Start(at);
+    } else {
+      Measure(at);
+      if (operation == 2) result = start + size - eolSize + 10000 * (start + size);
+      if (operation == 3) {
+        f.SetPos(start);
+        while (Next() == ' ') ++result;
+      }
     }
-    if (operation != 1) start = size = eolSize = -7;
-    return {result, start, size, eolSize, f.GetPos(), f.eof, f.res};
+    if (operation == 1) return {result, start, size, eolSize, f.GetPos(), f.eof, f.res};
+    return {result, -7, -7, -7, f.GetPos(), f.eof, f.res};
   }
 
   Peek& f;
   char c = 0;
+  I32 start = -7;
+  I32 size = -7;
+  I32 eolSize = -7;
 };
 
 /// Every operation on every one of the places, with a failure standing.
@@ -60,9 +90,12 @@ void ExpectAsByByte(Peek& file, std::initializer_list<I32> places) {
   for (const I32 at : places) {
     for (int operation = 0; operation < 4; ++operation) {
       const I32 from = file.GetPos();
-      file.res = resDiskFull, file.eof = true;
+      file.res = resDiskFull;
+      file.eof = true;
       const Outcome outcome = Ask(file, operation, at);
-      file.SetPos(from), file.res = resDiskFull, file.eof = true;
+      file.SetPos(from);
+      file.res = resDiskFull;
+      file.eof = true;
       ASSERT_EQ(outcome, ByByte{file}.Ask(operation, at))
           << operation << " at " << at << " in " << support::Bytes(file);
     }
@@ -80,8 +113,11 @@ TEST(Lines, AreAsReadByteByByte) {
         ExpectAsByByte(file, {-1, 0, 1, 2, 3, 4, 5, 6, MaxLen});
         const auto isPair = [&](I32 at) { return at >= 0 && at < n && text.compare(Size(at), 2, "\r\n") == 0; };
         for (I32 at = 0; at <= 6; ++at) {
-          EXPECT_TRUE(file.AfterCRLF(at) == isPair(std::min(at, n) - 2) && file.BeforeCRLF(at) == isPair(at));
-          EXPECT_TRUE(file.BetweenCRLF(at) == isPair(at - 1) && !file.BetweenCRLF(-1) && file.res == resDone);
+          EXPECT_EQ(file.AfterCRLF(at), isPair(std::min(at, n) - 2));
+          EXPECT_EQ(file.BeforeCRLF(at), isPair(at));
+          EXPECT_EQ(file.BetweenCRLF(at), isPair(at - 1));
+          EXPECT_FALSE(file.BetweenCRLF(-1));
+          EXPECT_EQ(file.res, resDone);
         }
       }
     }
@@ -100,8 +136,10 @@ std::vector<bool> Relations(const Left& l, const Right& r) {
 
 TEST(Comparison, IsThatOfByteStringsAndLeavesTheFiles) {
   VFile changed("abc");
-  changed.SetPos(2), changed.ReplaceByte('d');  // in the scratch buffer alone
-  EXPECT_TRUE(changed == "abd" && changed > "abc");
+  changed.SetPos(2);
+  changed.ReplaceByte('d');  // in the scratch buffer alone
+  EXPECT_TRUE(changed == "abd");
+  EXPECT_TRUE(changed > "abc");
   const std::string k(1023, 'k');
   const std::string texts[] = {"",
                                "a",
@@ -126,16 +164,34 @@ TEST(Comparison, IsThatOfByteStringsAndLeavesTheFiles) {
                       ? Lengths(left.size(), 1)
                       : Lengths{1, static_cast<int>(left.size() - 1) / 2, static_cast<int>(left.size()) / 2},
                   left);
-      VFile &f = chain, g;
+      VFile& f = chain;
+      VFile g;
       g.AppendBytes(right.data(), Count(right.size()));
-      f.SetPos(1), f.res = resDiskFull, f.eof = true;
+      f.SetPos(1);
+      f.res = resDiskFull;
+      f.eof = true;
       EXPECT_EQ(Relations(f, g), Relations(left, right)) << left << " " << right;
       EXPECT_EQ(Relations(f, right.c_str()), Relations(left, std::string(right.c_str()))) << left << " " << right;
       EXPECT_EQ(Relations(left.c_str(), g), Relations(std::string(left.c_str()), right)) << left << " " << right;
       EXPECT_EQ(Relations(f, f), Relations(0, 0));
-      EXPECT_TRUE(f.GetPos() == std::min(1, f.Length()) && f.res == resDiskFull && f.eof && g.Eof());
+      EXPECT_EQ(f.GetPos(), std::min(1, f.Length()));
+      EXPECT_EQ(f.res, resDiskFull);
+      EXPECT_TRUE(f.eof);
+      EXPECT_TRUE(g.Eof());
     }
   }
+}
+
+// The page that was read last is the first in the cache.
+TEST(Comparison, ReadsLeftThenRight) {
+  struct Cache : VMem {
+    using VMem::cacheHead;
+  };
+  const Chain left({9});
+  const Chain right({9});
+  EXPECT_TRUE(left <= right);
+  const auto* newest = left.vm->*(&Cache::cacheHead);
+  EXPECT_EQ(newest->addr, right.first->addr);
 }
 
 }  // namespace

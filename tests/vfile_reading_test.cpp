@@ -11,9 +11,18 @@ TEST(Reading, ValuesAreLittleEndianAndTheRestStays) {
   std::int64_t quad = 0, rest = 0x1111;
   std::uint32_t dword = 0;
   std::int16_t word = 0;
-  file.Reset(), file.ReadWord(word), file.ReadDWord(dword), file.SetPos(4), file.ReadQWord(quad), file.ReadQWord(rest);
-  EXPECT_TRUE(word == static_cast<std::int16_t>(0xF2F1) && dword == 0xF6F5F4F3 && rest == 0x11FD);
-  EXPECT_TRUE(static_cast<std::uint64_t>(quad) == 0xFCFBFAF9F8F7F6F5 && file.eof && file.res == resDone);
+  file.Reset();
+  file.ReadWord(word);
+  file.ReadDWord(dword);
+  file.SetPos(4);
+  file.ReadQWord(quad);
+  file.ReadQWord(rest);
+  EXPECT_EQ(word, static_cast<std::int16_t>(0xF2F1));
+  EXPECT_EQ(dword, 0xF6F5F4F3);
+  EXPECT_EQ(static_cast<std::uint64_t>(quad), 0xFCFBFAF9F8F7F6F5);
+  EXPECT_EQ(rest, 0x11FD);
+  EXPECT_TRUE(file.eof);
+  EXPECT_EQ(file.res, resDone);
 }
 
 // Each text in blocks of every length: the text, the bytes that each character took, the lines cut to two characters.
@@ -27,18 +36,60 @@ TEST(Reading, TextFoldsLineEnds) {
       Lengths lens(text.size() / n, static_cast<int>(n));
       if (text.size() % n > 0) lens.push_back(static_cast<int>(text.size() % n));
       Chain file(lens, text);
-      std::string readFolded, readConsumed, readLines;
-      char ch, line[3];
-      for (file.Reset(); const I32 got = file.Read(ch); readFolded += ch) readConsumed += std::to_string(got);
-      EXPECT_TRUE(readFolded == folded && readConsumed == consumed && file.eof && ch == 0) << readConsumed;
-      for (file.Reset(); !file.Eof(); readLines += line, readLines += "|") EXPECT_LE(file.ReadLine(line, 3), 2);
+      std::string readFolded;
+      std::string readConsumed;
+      char ch;
+      file.Reset();
+      while (const I32 got = file.Read(ch)) {
+        readFolded += ch;
+        readConsumed += std::to_string(got);
+      }
+      EXPECT_EQ(readFolded, folded);
+      EXPECT_EQ(readConsumed, consumed);
+      EXPECT_TRUE(file.eof);
+      EXPECT_EQ(ch, '\0');
+      std::string readLines;
+      file.Reset();
+      while (!file.Eof()) {
+        char line[3];
+        EXPECT_LE(file.ReadLine(line, 3), 2);
+        readLines += line;
+        readLines += "|";
+      }
       EXPECT_EQ(readLines, lines);
-      file.SetPos(-1, 2), file.Read(ch);
+      file.SetPos(-1, 2);
+      file.Read(ch);
       EXPECT_FALSE(file.eof);
       file.Reset();
-      EXPECT_TRUE(file.ReadLine(&ch, 1) == 0 && ch == 0 && !file.Bof() && file.res == resDone);
-      EXPECT_TRUE(file.ReadLine(&ch, 0) == 0 && file.res == resCallError);
+      ch = 'x';
+      EXPECT_EQ(file.ReadLine(&ch, 1), 0);
+      EXPECT_EQ(ch, '\0');
+      EXPECT_FALSE(file.Bof());
+      EXPECT_EQ(file.res, resDone);
+      EXPECT_EQ(file.ReadLine(&ch, 0), 0);
+      EXPECT_EQ(file.res, resCallError);
     }
+  }
+}
+
+TEST(Reading, TakesWhatTheBufferHolds) {
+  Chain file({2, 3}, "abcde");
+  char byte = 'x';
+  EXPECT_EQ(file.ReadTxt(&byte, 1, 1, 4), 0);
+  EXPECT_EQ(byte, '\0');
+  EXPECT_EQ(file.GetPos(), 1);
+  EXPECT_EQ(file.ReadBytes(nullptr, 0), 0);
+  EXPECT_EQ(file.res, resDone);
+  const std::function<I32(Peek&)> refused[] = {
+      [](Peek& f) { return f.ReadBytes(nullptr, 1); },
+      [](Peek& f) { return f.ReadLine(nullptr, 9); },
+      [](Peek& f) { return f.ReadTxt(nullptr, 9, 0, 1); },
+  };
+  for (const auto& read : refused) {
+    file.SetPos(1);
+    EXPECT_EQ(read(file), 0) << &read - refused;
+    EXPECT_EQ(file.res, resCallError) << &read - refused;
+    EXPECT_EQ(file.GetPos(), 1) << &read - refused;
   }
 }
 

@@ -21,10 +21,13 @@ TEST(Search, WantsWholeWordsOfAnyCase) {
   for (const auto& [text, word, back, from, found, to, pos] : rows) {
     Chain file({2, static_cast<int>(text.size()) - 2}, text);
     const auto search = back ? &VFile::FindBack : &VFile::Find;
-    I32 at = from, negative = -1;
+    I32 at = from;
     EXPECT_EQ((file.*search)(at, word, true, true), found) << text;
-    EXPECT_TRUE(at == to && file.GetPos() == pos) << text << " " << at << " " << file.GetPos();
-    EXPECT_TRUE(!(file.*search)(negative, word, true, true) && file.res == resCallError);
+    EXPECT_EQ(at, to) << text;
+    EXPECT_EQ(file.GetPos(), pos) << text;
+    I32 negative = -1;
+    EXPECT_FALSE((file.*search)(negative, word, true, true)) << text;
+    EXPECT_EQ(file.res, resCallError) << text;
   }
 }
 
@@ -40,10 +43,13 @@ TEST(Search, ReplacesAllNotLookingIntoNewText) {
   // clang-format on
   for (const auto& [text, from, to, wordOfAnyCase, count, result, res] : rows) {
     Refusing file;
-    file.Append(text), file.res = resNotDone;
+    file.Append(text);
+    file.res = resNotDone;
     EXPECT_EQ(file.ReplaceGlobal(from, to, wordOfAnyCase, wordOfAnyCase), count);
-    EXPECT_TRUE(Bytes(file) == result && file.res == res) << Bytes(file);
-    file.Reset(), file.SetFlags(vfReadOnly);
+    EXPECT_EQ(Bytes(file), result);
+    EXPECT_EQ(file.res, res);
+    file.Reset();
+    file.SetFlags(vfReadOnly);
     EXPECT_EQ(file.ReplaceGlobal("a", "b", true, false), 0);
     EXPECT_EQ(file.res, result.find('a') == std::string::npos ? resDone : resReadOnly);
   }

@@ -3,6 +3,7 @@
 
 #include "support/Chains.h"
 #include "support/Files.h"
+#include "support/FullDisk.h"
 
 using support::Bytes, support::Chain, support::I32, support::Lengths, support::Pattern, support::Peek;
 
@@ -16,32 +17,54 @@ TEST_F(Transfer, SavesAndLoadsTheBytes) {
   const TString name = Name("file");
   for (const Lengths& lens : {Lengths{}, {1024, 17, 1024, 500}}) {
     Chain file(lens);
-    file.res = resNotDone, file.WriteFile(name.c_str(), true);
+    file.res = resNotDone;
+    file.WriteFile(name.c_str(), true);
     EXPECT_FALSE(exists(Path("file")));
     file.Save(name.c_str(), false);
-    EXPECT_TRUE(file.res == resDone && file.Eof() && Content("file") == Bytes(file));
+    EXPECT_EQ(file.res, resDone);
+    EXPECT_TRUE(file.Eof());
+    EXPECT_EQ(Content("file"), Bytes(file));
     Peek loaded("old");
-    loaded.res = resNotDone, loaded.Load(name.c_str(), FILE_SHARE_READ);
-    EXPECT_TRUE(loaded.res == resDone && loaded.Bof() && Bytes(loaded) == Bytes(file));
-    (loaded = "ab").WriteFile(name.c_str(), false);
-    EXPECT_TRUE(loaded.res == resAlreadyExists && Content("file") == Bytes(file));
-    loaded.Save(name.c_str(), true), loaded.SetPos(1), loaded.ReadFile(name.c_str(), 0), loaded.SetPos(1);
-    loaded.SetFlags(vfInsert), loaded.ReadFile(name.c_str(), 0);
-    EXPECT_TRUE(Content("file") == "ab" && Bytes(loaded) == "aabab" && loaded.GetPos() == 3);
-    remove(Path("file")), loaded.Load(name.c_str(), 0);
-    EXPECT_TRUE(loaded.res == resNotFound && loaded.Length() == 0);
+    loaded.res = resNotDone;
+    loaded.Load(name.c_str(), FILE_SHARE_READ);
+    EXPECT_EQ(loaded.res, resDone);
+    EXPECT_TRUE(loaded.Bof());
+    EXPECT_EQ(Bytes(loaded), Bytes(file));
+    loaded = "ab";
+    loaded.WriteFile(name.c_str(), false);
+    EXPECT_EQ(loaded.res, resAlreadyExists);
+    EXPECT_EQ(Content("file"), Bytes(file));
+    loaded.Save(name.c_str(), true);
+    EXPECT_EQ(Content("file"), "ab");
+    loaded.SetPos(1);
+    loaded.ReadFile(name.c_str(), 0);
+    EXPECT_EQ(Bytes(loaded), "aab");
+    loaded.SetPos(1);
+    loaded.SetFlags(vfInsert);
+    loaded.ReadFile(name.c_str(), 0);
+    EXPECT_EQ(Bytes(loaded), "aabab");
+    EXPECT_EQ(loaded.GetPos(), 3);
+    remove(Path("file"));
+    loaded.Load(name.c_str(), 0);
+    EXPECT_EQ(loaded.res, resNotFound);
+    EXPECT_EQ(loaded.Length(), 0);
   }
 }
 
 TEST_F(Transfer, WritesUpToACountInPiecesOf1024) {
   int ends[2];
   ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
-  HFile target(host::HandleFromDescriptor(ends[0])), other(host::HandleFromDescriptor(ends[1]));
+  HFile target(host::HandleFromDescriptor(ends[0]));
+  HFile other(host::HandleFromDescriptor(ends[1]));
   Chain file({1000, 1000, 1000});
-  file.SetPos(1), file.WriteToFile(target, 0), file.WriteToFile(target, 1500);
+  file.SetPos(1);
+  file.WriteToFile(target, 0);
+  file.WriteToFile(target, 1500);
   EXPECT_EQ(file.GetPos(), 1501);
-  file.WriteToFile(host::HandleFromDescriptor(ends[0]), 1028), file.WriteToFile(target, MaxLen);
-  EXPECT_TRUE(file.res == resDone && file.Eof());
+  file.WriteToFile(host::HandleFromDescriptor(ends[0]), 1028);
+  file.WriteToFile(target, MaxLen);
+  EXPECT_EQ(file.res, resDone);
+  EXPECT_TRUE(file.Eof());
   std::string sent;
   for (const int size : {1024, 476, 1024, 4, 471}) {
     char piece[2000];
@@ -51,30 +74,71 @@ TEST_F(Transfer, WritesUpToACountInPiecesOf1024) {
   EXPECT_EQ(sent, Pattern(2999, 1));
 }
 
+TEST_F(Transfer, WritesTheWholeFromAnyPosition) {
+  const TString name = Name("file");
+  Chain file({1000, 500});
+  file.SetPos(100);
+  file.WriteFile(name.c_str(), false);
+  EXPECT_EQ(file.res, resDone);
+  EXPECT_TRUE(file.Eof());
+  EXPECT_EQ(Content("file"), Pattern(1500));
+}
+
+TEST_F(Transfer, FillsADiskToItsLastByte) {
+  const TString name = Name("file");
+  Chain file({1024, 1000});
+  {
+    const support::FullDisk disk(1500);
+    file.Save(name.c_str(), false);
+  }
+  EXPECT_EQ(file.res, resDiskFull);
+  EXPECT_EQ(file.GetPos(), 2024);
+  EXPECT_EQ(Content("file"), Pattern(1500));
+}
+
+// As behind a halt that returned.
+TEST_F(Transfer, EndsWhereTheChainHoldsLessThanTheLength) {
+  const TString name = Name("file");
+  Chain file({1000, 500});
+  file.length += 10;
+  file.Save(name.c_str(), false);
+  file.length -= 10;
+  EXPECT_EQ(file.res, resNotDone);
+  EXPECT_EQ(Content("file"), Pattern(1500));
+}
+
 TEST_F(Transfer, RefusalsAndFailuresStopIt) {
   Put("two", "XY");
-  const HANDLE full = OpenHandle("/dev/full", O_WRONLY), null = OpenHandle("/dev/null", O_RDONLY);
-  HFile closed, fullFile(full), reader;
-  const TString two = Name("two"), none = Name("none"), deep = Name("none/deep");
+  const HANDLE full = OpenHandle("/dev/full", O_WRONLY);
+  const HANDLE null = OpenHandle("/dev/null", O_RDONLY);
+  const TString two = Name("two");
+  const TString none = Name("none");
+  const TString deep = Name("none/deep");
+  HFile closed;
+  HFile fullFile(full);
+  HFile reader;
   EXPECT_TRUE(reader.OpenSeqRead(two.c_str()));
   // clang-format off
   const std::tuple<std::function<void(Peek&)>, I32, I32> rows[] = {
       {DO(f.WriteToFile(closed, 1)), resCallError, 0}, {DO(f.WriteToFile(INVALID_HANDLE_VALUE, 0)), resCallError, 0},
       {DO(f.WriteToFile(full, -1)), resCallError, 0}, {DO(f.WriteToFile(full, MaxLen)), resDiskFull, 1024},
       {DO(f.WriteToFile(fullFile, 5)), resDiskFull, 5}, {DO(f.WriteToFile(null, 1100)), resNoPermission, 1024},
-      {DO(f.res = resNotDone, f.WriteToFile(full, -1)), resNotDone, 0},
-      {DO(f.res = resNotDone, f.ReadFile(none.c_str(), 0)), resNotDone, 0},
+      {DO(f.res = resNotDone; f.WriteToFile(full, -1)), resNotDone, 0},
+      {DO(f.res = resNotDone; f.ReadFile(none.c_str(), 0)), resNotDone, 0},
       {DO(f.WriteFile(deep.c_str(), true)), resIllegalPath, 0}, {DO(f.ReadFile(none.c_str(), 0)), resNotFound, 0},
-      {DO(f.flags = vfLocked | vfReadOnly, f.ReadFile(none.c_str(), 0)), resContextError, 0},
-      {DO(f.flags = vfReadOnly, f.Load(two.c_str(), 0)), resReadOnly, 0},
+      {DO(f.flags = vfLocked | vfReadOnly; f.ReadFile(none.c_str(), 0)), resContextError, 0},
+      {DO(f.flags = vfReadOnly; f.Load(two.c_str(), 0)), resReadOnly, 0},
       {DO(f.ReadFile(two.c_str(), 0)), resNoPermission, 0}, {DO(f.WriteFile(two.c_str(), true)), resNoPermission, 0},
       {DO(f.ReadFromFile(reader, 3)), resNotDone, 0}};
   // clang-format on
   for (const auto& [transfer, res, pos] : rows) {
     Chain file({1000, 500});
-    file.Reset(), transfer(file);
-    EXPECT_TRUE(file.res == res && file.GetPos() == pos) << &transfer - &std::get<0>(rows[0]) << ": " << file.res;
-    EXPECT_TRUE(Bytes(file) == Pattern(1500) && Content("two") == "XY");
+    file.Reset();
+    transfer(file);
+    EXPECT_EQ(file.res, res) << "at position " << pos;
+    EXPECT_EQ(file.GetPos(), pos) << "with result " << res;
+    EXPECT_EQ(Bytes(file), Pattern(1500));
+    EXPECT_EQ(Content("two"), "XY");
   }
 }
 

@@ -7,6 +7,7 @@ namespace {
 
 thread_local int allocationsLeft = -1;  // -1: the heap works
 thread_local bool hasFailed = false;
+thread_local bool throwingFail = false;
 
 void* Allocate(std::size_t size) noexcept {
   if (allocationsLeft == 0) {
@@ -18,7 +19,7 @@ void* Allocate(std::size_t size) noexcept {
 }
 
 void* AllocateOrThrow(std::size_t size) {
-  void* p = std::malloc(size > 0 ? size : 1);
+  void* p = throwingFail ? Allocate(size) : std::malloc(size > 0 ? size : 1);
   if (p == nullptr) throw std::bad_alloc();
   return p;
 }
@@ -36,11 +37,15 @@ void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 void operator delete(void* p, const std::nothrow_t&) noexcept { std::free(p); }
 void operator delete[](void* p, const std::nothrow_t&) noexcept { std::free(p); }
 
-support::FailingHeap::FailingHeap(int failing) {
+support::FailingHeap::FailingHeap(int failing, Kind kind) {
   hasFailed = false;
+  throwingFail = kind == kAll;
   allocationsLeft = failing - 1;
 }
 
-support::FailingHeap::~FailingHeap() { allocationsLeft = -1; }
+support::FailingHeap::~FailingHeap() {
+  allocationsLeft = -1;
+  throwingFail = false;
+}
 
 bool support::FailingHeap::HasFailed() { return hasFailed; }

@@ -66,7 +66,9 @@ void FillInSmallBlocks(TextPeek& text, const std::string& bytes, Random& random)
 
 /// The start of the match that a search from `at` finds, or -1. Tries every place.
 inline int NaiveFind(const TString& content, const TString& text, int at, bool back, bool ignoreCase, bool wholeWord) {
-  const int n = Count(text.size()), last = Count(content.size()) - n, step = back ? -1 : 1;
+  const int n = Count(text.size());
+  const int last = Count(content.size()) - n;
+  const int step = back ? -1 : 1;
   const auto fold = [&](TChar unit) { return ignoreCase && unit >= 'a' && unit <= 'z' ? unit - 32 : unit; };
   const auto isWord = [&](int i) { return i >= 0 && i < last + n && std::iswalnum(content[Size(i)]) != 0; };
   for (int i = back ? std::min(at - n, last) : at; i >= 0 && i <= last; i += step) {

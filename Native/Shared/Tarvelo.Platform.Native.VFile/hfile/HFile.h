@@ -48,6 +48,9 @@ class VFILE_API HFile {
   HFile();
   /// Takes over the open file `handle`, unchecked, and closes it in the end.
   explicit HFile(HANDLE handle);
+  /// A pointer to characters is no handle; `Open` takes names.
+  template <host::Character Char>
+  explicit HFile(Char* handle) = delete;
   /// Closes the file if it is open.
   virtual ~HFile();
 
@@ -196,6 +199,11 @@ class VFILE_API HFile {
   HFile& operator<<(unsigned long value);
   HFile& operator<<(long long value);
   HFile& operator<<(unsigned long long value);
+  /// @}
+  /// @{
+  /// A truth or a wide character would go out as a number; cast it to what is meant.
+  template <host::NoNumber Value>
+  HFile& operator<<(Value value) = delete;
 
   /// @}
   /// @name Names

@@ -53,7 +53,11 @@ void HFile::WriteDWord(unsigned long value) { WriteBytes(&value, sizeof value); 
 
 void HFile::Write(signed char ch, std::int32_t count) { Write(static_cast<char>(ch), count); }
 void HFile::Write(unsigned char ch, std::int32_t count) { Write(static_cast<char>(ch), count); }
-void HFile::Write(const char* text) { WriteBytes(text, static_cast<std::int32_t>(std::strlen(text))); }
+void HFile::Write(const char* text) {
+  const std::size_t size = std::strlen(text);
+  if (size <= std::size_t{INT32_MAX}) return WriteBytes(text, static_cast<std::int32_t>(size));
+  if (res == resDone) res = IsOpen() ? resTooLong : resCallError;
+}
 void HFile::WriteLn() { WriteBytes("\r\n", 2); }
 
 std::int32_t HFile::ReadTxt(char* buffer, std::int32_t size, std::int32_t position, std::int32_t count) {

@@ -2,6 +2,17 @@
 /// The mark of the documented interface: what carries it is exported from the shared library, all else is hidden.
 #pragma once
 
+/// A declaration that does not compile where it is called with a constant of which the condition holds. Other calls do not see
+/// it, and other compilers leave such a constant to their own warnings.
+#if defined(__clang__)
+#define VFILE_REFUSE_CONSTANT(condition, ...)                                                       \
+  _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wgcc-compat\"") __VA_ARGS__ \
+      __attribute__((enable_if(condition, "the constant is out of range"))) = delete;               \
+  _Pragma("clang diagnostic pop")
+#else
+#define VFILE_REFUSE_CONSTANT(condition, ...)
+#endif
+
 #if defined(VFILE_STATIC)
 #define VFILE_API
 #define VFILE_LOCAL

@@ -6,8 +6,9 @@
 /// - Transfers and changes are blocked by a standing failure: they do nothing. So a caller may run a sequence of them and
 ///   look once, at the end; it then sees the first failure.
 /// - Operations that establish a state anew do not look at it and assign it their own outcome: opening, closing and
-///   positioning of an `HFile`, a valid `SetPos` of a `VFile`. They are the way back to `resDone`.
-/// - A successful transfer or read never writes it. `eof` is not part of the rule.
+///   positioning of an `HFile`, a valid `SetPos` of a `VFile` and what begins with one. They are the way back to `resDone`,
+///   and forget what stood there. hfile/HFile.h and vfile/VFile.h name them.
+/// - No other operation that succeeds writes it. `eof` is not part of the rule.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,4 @@
-#include <memory>
-#include <new>
+#include <exception>
 
 #include "tcharvfile/TCharVFile.h"
 
@@ -35,12 +34,14 @@ std::int32_t TCharVFile::ReadLine(TChar* buffer, std::int32_t size) {
 TString TCharVFile::ToString() {
   const std::int32_t count = TCharLength();
   if (count < 1) return {};
-  const std::unique_ptr<TChar[]> units(new (std::nothrow) TChar[static_cast<std::size_t>(count)]);
-  if (units == nullptr) {
+  TString text;
+  try {
+    text.resize(static_cast<std::size_t>(count));
+  } catch (const std::exception&) {
     res = resHeapOverflow;
     return {};
   }
   SetPos(0);
-  ReadTChars(units.get(), count);
-  return {units.get(), static_cast<std::size_t>(count)};
+  ReadTChars(text.data(), count);
+  return text;
 }

@@ -1,9 +1,9 @@
 #include <cstring>
 #include <memory>
-#include <new>
 
 #include "host/Host.h"
 #include "tcharvfile/Encodings.h"
+#include "tcharvfile/Room.h"
 #include "tcharvfile/TCharVFile.h"
 #include "tcharvfile/UnitCount.h"
 
@@ -14,9 +14,9 @@ namespace {
 constexpr std::int32_t kUtf16Mark = 2;
 constexpr std::int32_t kUtf8Mark = 3;
 
-/// Units on the way into a text. Allocated with the standard exception.
+/// Units on the way into a text; null where the heap has no room for them.
 struct Converted {
-  explicit Converted(std::size_t size) : units(new TChar[size]), count(size) {}
+  explicit Converted(std::size_t size) : units(tcharvfile::Room<TChar>(size)), count(size) {}
 
   std::unique_ptr<TChar[]> units;
   std::size_t count;
@@ -24,14 +24,14 @@ struct Converted {
 
 Converted FromUtf8(const char* bytes, std::size_t length) {
   Converted text(length);
-  text.count = tcharvfile::Utf8ToUnits(bytes, length, text.units.get());
+  if (text.units != nullptr) text.count = tcharvfile::Utf8ToUnits(bytes, length, text.units.get());
   return text;
 }
 
 Converted FromAnsi(const char* bytes, std::size_t length) {
   if (host::GetACP() == host::CP_UTF8) return FromUtf8(bytes, length);
   Converted text(host::MultiByteToWideChar(bytes, length, nullptr, 0));
-  host::MultiByteToWideChar(bytes, length, text.units.get(), text.count);
+  if (text.units != nullptr) host::MultiByteToWideChar(bytes, length, text.units.get(), text.count);
   return text;
 }
 
@@ -94,7 +94,7 @@ void TCharVFile::GiveUpContent() {
 /// Replaces the raw content, UTF-16 with its high byte first, behind its mark. A last odd byte is dropped.
 void TCharVFile::SwapContent() {
   const std::int32_t count = (length - kUtf16Mark) / 2;
-  const std::unique_ptr<TChar[]> units(new (std::nothrow) TChar[static_cast<std::size_t>(count) + 1]);
+  const auto units = tcharvfile::Room<TChar>(static_cast<std::size_t>(count) + 1);
   if (units == nullptr) return GiveUpContent();
   SetPos(kUtf16Mark);
   ReadTChars(units.get(), count);
@@ -106,12 +106,13 @@ void TCharVFile::SwapContent() {
 template <typename Convert>
 void TCharVFile::ConvertContent(std::int32_t mark, Convert convert) {
   const std::int32_t count = length - mark;
-  const std::unique_ptr<char[]> bytes(new (std::nothrow) char[static_cast<std::size_t>(count) + 1]);
+  const auto bytes = tcharvfile::Room<char>(static_cast<std::size_t>(count) + 1);
   if (bytes == nullptr) return GiveUpContent();
   SetPos(mark);
   ReadBytes(bytes.get(), count);
   bytes[static_cast<std::size_t>(count)] = '\0';
   const Converted text = convert(bytes.get(), std::strlen(bytes.get()));
+  if (text.units == nullptr) return GiveUpContent();
   if (text.count > static_cast<std::size_t>(tcharvfile::kMaxUnits)) {
     res = resTooLong;
     return;

@@ -3,13 +3,14 @@
 
 #include "host/Host.h"
 #include "tcharvfile/Encodings.h"
+#include "tcharvfile/Room.h"
 #include "tcharvfile/TCharVFile.h"
 
 namespace {
 
-/// Bytes on the way into a file. Allocated with the standard exception.
+/// Bytes on the way into a file; null where the heap has no room for them.
 struct Converted {
-  explicit Converted(std::size_t size) : bytes(new char[size]), count(size) {}
+  explicit Converted(std::size_t size) : bytes(tcharvfile::Room<char>(size)), count(size) {}
 
   std::unique_ptr<char[]> bytes;
   std::size_t count;
@@ -17,7 +18,7 @@ struct Converted {
 
 Converted ToUtf8(const TString& text) {
   Converted converted(tcharvfile::Utf8Length(text.data(), text.size()));
-  tcharvfile::UnitsToUtf8(text.data(), text.size(), converted.bytes.get());
+  if (converted.bytes != nullptr) tcharvfile::UnitsToUtf8(text.data(), text.size(), converted.bytes.get());
   return converted;
 }
 
@@ -28,7 +29,9 @@ Converted ToAnsi(TString text) {
     return ToUtf8(text);
   }
   Converted converted(host::WideCharToMultiByte(text.data(), text.size(), nullptr, 0));
-  host::WideCharToMultiByte(text.data(), text.size(), converted.bytes.get(), converted.count);
+  if (converted.bytes != nullptr) {
+    host::WideCharToMultiByte(text.data(), text.size(), converted.bytes.get(), converted.count);
+  }
   return converted;
 }
 
@@ -52,6 +55,8 @@ void WriteSwapped(HFile& file, TString& text) {
 void WriteAll(HFile& file, const Converted& text) {
   if (text.count > static_cast<std::size_t>(MaxLen)) {
     file.res = resTooLong;
+  } else if (text.bytes == nullptr) {
+    file.res = resHeapOverflow;
   } else {
     file.WriteBytes(text.bytes.get(), static_cast<std::int32_t>(text.count));
   }

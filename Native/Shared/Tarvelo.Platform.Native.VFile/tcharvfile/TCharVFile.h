@@ -93,8 +93,8 @@ class VFILE_API TCharVFile : protected VFile {
   /// What does not fit is dropped. Gives the units stored; 0 with `eof` where there was no line left. A null buffer or a size
   /// below 1 is `resCallError`.
   std::int32_t ReadLine(TChar* buffer, std::int32_t size);
-  /// The whole text; the position ends behind it. Holds it in memory twice for a moment. An exhausted heap is
-  /// `resHeapOverflow`, or, while the string itself is built, the standard exception.
+  /// The whole text; the position ends behind it. A string that the heap has no room for is `resHeapOverflow` and comes out
+  /// empty, with the position as it was. A text without units comes out empty and leaves everything alone, `res` too.
   TString ToString();
 
   /// @}
@@ -154,10 +154,14 @@ class VFILE_API TCharVFile : protected VFile {
   TCharVFile& operator<<(unsigned long value);
   TCharVFile& operator<<(long long value);
   TCharVFile& operator<<(unsigned long long value);
-  // There is no form for 8-bit values, which would go in as numbers.
+  /// @}
+  /// @{
+  /// A truth or a character that is no unit would go in as a number; cast it to what is meant.
   TCharVFile& operator<<(signed char) = delete;
   TCharVFile& operator<<(char) = delete;
   TCharVFile& operator<<(unsigned char) = delete;
+  template <host::NoNumber Value>
+  TCharVFile& operator<<(Value value) = delete;
 
   /// @}
   /// @name Search
@@ -191,8 +195,8 @@ class VFILE_API TCharVFile : protected VFile {
   /// stay as they are. `shareMode`, made of the FILE_SHARE bits, is what others may do with the file meanwhile.
   ///
   /// res: that of the open or read, with an empty text; of a refused change, with the text as it was; `resHeapOverflow`, with an
-  /// empty text, where the file has to be converted and does not fit into memory; of the change by the converted text, with
-  /// the raw bytes as content. An exhausted heap inside a conversion is the standard exception.
+  /// empty text, where the file has to be converted and the heap has no room for it or for its conversion; of the change by
+  /// the converted text, with the raw bytes as content.
   ///
   /// Memory: UTF-16 with low byte first streams; UTF-16 with high byte first holds the file in memory, UTF-8 and ANSI hold three
   /// times their size.
@@ -206,7 +210,8 @@ class VFILE_API TCharVFile : protected VFile {
   /// Any value but the three UTF forms is ANSI. `overwrite` replaces an existing file; without it that is `resAlreadyExists`.
   ///
   /// A unit that is no character of the form is written as its replacement: EF BF BD in UTF-8, "?" in ANSI. U+0000 is written as it
-  /// is. A last odd byte is written by `encUtf16` alone. A failure leaves what was written.
+  /// is. A last odd byte is written by `encUtf16` alone. A failure leaves what was written: the mark alone where the heap has no
+  /// room for the text or its conversion, which is `resHeapOverflow`.
   ///
   /// Memory: `encUtf16` streams; the other forms hold the text, UTF-8 and ANSI its bytes as well.
   void SaveText(const TChar* fileName, bool overwrite, Encoding encoding, bool withBom);
@@ -215,6 +220,8 @@ class VFILE_API TCharVFile : protected VFile {
 
  private:
   void InsertAt(std::int32_t position, const TChar* units, std::int32_t count);
+  VFILE_LOCAL void InsertTStrAt(std::int32_t position, const TChar* text, std::size_t count);
+  VFILE_LOCAL void AssignTStr(const TChar* text, std::size_t count);
 
   // LoadText.cpp
   Encoding ReadMark();

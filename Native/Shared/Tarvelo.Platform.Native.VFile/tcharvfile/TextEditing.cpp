@@ -3,19 +3,31 @@
 #include "tcharvfile/TCharVFile.h"
 #include "tcharvfile/UnitCount.h"
 
+using tcharvfile::SizeInBytes;
 using tcharvfile::TCharsToBytes;
 using tcharvfile::Twice;
 
 namespace {
 
-std::int32_t LengthOf(const TChar* text) { return static_cast<std::int32_t>(std::char_traits<TChar>::length(text)); }
-std::int32_t LengthOf(const TString& text) { return static_cast<std::int32_t>(text.size()); }
+std::size_t LengthOf(const TChar* text) { return std::char_traits<TChar>::length(text); }
 
 }  // namespace
 
 /// Puts a caller's units in at a byte position, through the slot.
 void TCharVFile::InsertAt(std::int32_t position, const TChar* units, std::int32_t count) {
   ReplaceBuf(position, 0, units, Twice(count));
+}
+
+/// The same of a string of `count` units.
+void TCharVFile::InsertTStrAt(std::int32_t position, const TChar* text, std::size_t count) {
+  const std::size_t size = SizeInBytes(count);
+  if (AdmitSize(size)) ReplaceBuf(position, 0, text, static_cast<std::int32_t>(size));
+}
+
+/// Makes a string of `count` units the whole content, by `VFile`'s own change.
+void TCharVFile::AssignTStr(const TChar* text, std::size_t count) {
+  const std::size_t size = SizeInBytes(count);
+  if (AdmitSize(size)) VFile::ReplaceBuf(0, length, text, static_cast<std::int32_t>(size));
 }
 
 // ---- Insert ----
@@ -26,8 +38,8 @@ void TCharVFile::InsertTChar(TChar unit, std::int32_t count) {
 }
 void TCharVFile::InsertTChars(const TChar* units, std::int32_t count) { InsertAt(pos, units, count); }
 void TCharVFile::InsertTChars(const TString& units, std::int32_t count) { InsertAt(pos, units.data(), count); }
-void TCharVFile::InsertTStr(const TChar* text) { InsertAt(pos, text, LengthOf(text)); }
-void TCharVFile::InsertTStr(const TString& text) { InsertAt(pos, text.data(), LengthOf(text)); }
+void TCharVFile::InsertTStr(const TChar* text) { InsertTStrAt(pos, text, LengthOf(text)); }
+void TCharVFile::InsertTStr(const TString& text) { InsertTStrAt(pos, text.data(), text.size()); }
 void TCharVFile::InsertTChars(const TCharVFile& source, std::int32_t start, std::int32_t len) {
   ReplaceTxt(pos, 0, source, TCharsToBytes(start), TCharsToBytes(len));
 }
@@ -40,8 +52,8 @@ void TCharVFile::AppendTChar(TChar unit, std::int32_t count) {
 }
 void TCharVFile::AppendTChars(const TChar* units, std::int32_t count) { InsertAt(length, units, count); }
 void TCharVFile::AppendTChars(const TString& units, std::int32_t count) { InsertAt(length, units.data(), count); }
-void TCharVFile::AppendTStr(const TChar* text) { InsertAt(length, text, LengthOf(text)); }
-void TCharVFile::AppendTStr(const TString& text) { InsertAt(length, text.data(), LengthOf(text)); }
+void TCharVFile::AppendTStr(const TChar* text) { InsertTStrAt(length, text, LengthOf(text)); }
+void TCharVFile::AppendTStr(const TString& text) { InsertTStrAt(length, text.data(), text.size()); }
 void TCharVFile::AppendTChars(const TCharVFile& source, std::int32_t start, std::int32_t len) {
   ReplaceTxt(length, 0, source, TCharsToBytes(start), TCharsToBytes(len));
 }
@@ -64,12 +76,12 @@ TCharVFile& TCharVFile::operator=(TChar unit) {
 }
 
 TCharVFile& TCharVFile::operator=(const TChar* text) {
-  VFile::ReplaceBuf(0, length, text, Twice(LengthOf(text)));
+  AssignTStr(text, LengthOf(text));
   return *this;
 }
 
 TCharVFile& TCharVFile::operator=(const TString& text) {
-  VFile::ReplaceBuf(0, length, text.data(), Twice(LengthOf(text)));
+  AssignTStr(text.data(), text.size());
   return *this;
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 using Search = vfile::SearchText<vfile::SearchedUnits>;
 
-std::int32_t LengthOf(const TChar* text) { return static_cast<std::int32_t>(std::char_traits<TChar>::length(text)); }
+std::size_t LengthOf(const TChar* text) { return std::char_traits<TChar>::length(text); }
 
 bool IsWordUnit(TChar unit) { return std::iswalnum(static_cast<std::wint_t>(unit)) != 0; }
 
@@ -24,7 +24,7 @@ bool TCharVFile::FindTChars(std::int32_t& position, const TChar* text, bool igno
     res = resCallError;
     return false;
   }
-  const std::int32_t n = LengthOf(text);
+  const std::int32_t n = vfile::SearchLength(LengthOf(text));
   if (n == 0) return true;
   do {
     if (!ScanForward(position, text, n, ignoreCase)) return false;
@@ -41,7 +41,7 @@ bool TCharVFile::FindBackTChars(std::int32_t& position, const TChar* text, bool 
     res = resCallError;
     return false;
   }
-  const std::int32_t n = LengthOf(text);
+  const std::int32_t n = vfile::SearchLength(LengthOf(text));
   if (n == 0) return true;
   do {
     if (!ScanBackward(position, text, n, ignoreCase)) return false;
@@ -55,15 +55,17 @@ bool TCharVFile::FindBackTChars(std::int32_t& position, const TString& text, boo
 
 std::int32_t TCharVFile::ReplaceGlobalTChars(const TChar* oldText, const TChar* newText, bool ignoreCase,
                                              bool wholeWord) {
-  const std::int32_t n = LengthOf(oldText);
-  const std::int32_t m = LengthOf(newText);
+  const std::int32_t n = vfile::SearchLength(LengthOf(oldText));
+  const std::size_t size = tcharvfile::SizeInBytes(LengthOf(newText));
   if (n == 0) {
     res = resCallError;
     return 0;
   }
   std::int32_t count = 0;
   for (std::int32_t at = 0; FindTChars(at, oldText, ignoreCase, wholeWord); ++count) {
-    VFile::ReplaceBuf(TCharsToBytes(at - n), TCharsToBytes(n), newText, TCharsToBytes(m));
+    if (AdmitSize(size)) {
+      VFile::ReplaceBuf(TCharsToBytes(at - n), TCharsToBytes(n), newText, static_cast<std::int32_t>(size));
+    }
     if (res != resDone) break;
     // Behind the new text, which is not searched again.
     at = GetTCharPos();

@@ -2,6 +2,7 @@
 /// From units to bytes.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "vfile/Blocks.h"
@@ -18,5 +19,8 @@ constexpr std::int32_t Twice(std::int32_t units) {
 
 /// The bytes of a position or length in units; one that is too large stands for the end.
 constexpr std::int32_t TCharsToBytes(std::int32_t units) { return units > kMaxUnits ? MaxLen : Twice(units); }
+
+/// The bytes of the units of a string. More than there are addresses for stands for that.
+constexpr std::size_t SizeInBytes(std::size_t units) { return units > SIZE_MAX / 2 ? SIZE_MAX : units * 2; }
 
 }  // namespace tcharvfile

@@ -70,7 +70,7 @@ int Comparison::Difference(const VFile& left, Right& right, std::size_t count) {
   int difference = 0;
   while (count > 0 && difference == 0) {
     const std::size_t chunk = std::min(count, std::size_t{BlkSize});
-    // The left side is read first.
+    // Which page is read first is an outcome.
     const void* leftBytes = bytes.Next(chunk);
     const void* rightBytes = right.Next(chunk);
     if (leftBytes == nullptr || rightBytes == nullptr) return 1;

@@ -1,12 +1,10 @@
 // The family of editing: five verbs by ten sources, in the order of the header. Each is one call of a primitive.
 
-#include <string>
+#include <cstring>
 
 #include "vfile/VFile.h"
 
 namespace {
-
-std::int32_t LengthOf(const char* text) { return static_cast<std::int32_t>(std::char_traits<char>::length(text)); }
 
 char AsChar(signed char ch) { return static_cast<char>(ch); }
 char AsChar(unsigned char ch) { return static_cast<char>(ch); }
@@ -14,28 +12,32 @@ char AsChar(unsigned char ch) { return static_cast<char>(ch); }
 }  // namespace
 
 // ---- Constructors with content ----
+//
+// Each delegates to that of the empty file: if the change halts by an exception, the destructor runs.
 
 VFile::VFile(signed char ch, std::int32_t count) : VFile(AsChar(ch), count) {}
-VFile::VFile(char ch, std::int32_t count) {
-  Init();
-  ReplaceCh(0, 0, ch, count);
-}
+VFile::VFile(char ch, std::int32_t count) : VFile() { ReplaceCh(0, 0, ch, count); }
 VFile::VFile(unsigned char ch, std::int32_t count) : VFile(AsChar(ch), count) {}
-VFile::VFile(const char* text) {
-  Init();
-  ReplaceBuf(0, 0, text, LengthOf(text));
-}
-VFile::VFile(HANDLE file, std::int32_t count) {
-  Init();
-  ReplaceFile(0, 0, file, count);
-}
-VFile::VFile(HFile& file, std::int32_t count) {
-  Init();
-  ReplaceFile(0, 0, file, count);
-}
-VFile::VFile(const VFile& source, std::int32_t position, std::int32_t count) {
-  Init();
+VFile::VFile(const char* text) : VFile() { ReplaceStr(0, 0, text); }
+VFile::VFile(HANDLE file, std::int32_t count) : VFile() { ReplaceFile(0, 0, file, count); }
+VFile::VFile(HFile& file, std::int32_t count) : VFile() { ReplaceFile(0, 0, file, count); }
+VFile::VFile(const VFile& source, std::int32_t position, std::int32_t count) : VFile() {
   ReplaceTxt(0, 0, source, position, count);
+}
+
+// ---- What the verbs share ----
+
+/// Whether `size` bytes are a count. If not, a change that could begin otherwise is `resTooLong`.
+bool VFile::AdmitSize(std::size_t size) {
+  if (size <= std::size_t{MaxLen}) return true;
+  if (OnOwnerThread() && res == resDone && Admit(true)) res = resTooLong;
+  return false;
+}
+
+/// `ReplaceBuf` of a terminated string, through the slot.
+void VFile::ReplaceStr(std::int32_t position, std::int32_t del, const char* text) {
+  const std::size_t size = std::strlen(text);
+  if (AdmitSize(size)) ReplaceBuf(position, del, text, static_cast<std::int32_t>(size));
 }
 
 /// What a Write takes out: nothing where it inserts, else as much as a Replace.
@@ -54,7 +56,7 @@ void VFile::InsertQWord(unsigned long long value) { ReplaceBuf(pos, 0, &value, 8
 void VFile::Insert(signed char ch, std::int32_t count) { ReplaceCh(pos, 0, AsChar(ch), count); }
 void VFile::Insert(char ch, std::int32_t count) { ReplaceCh(pos, 0, ch, count); }
 void VFile::Insert(unsigned char ch, std::int32_t count) { ReplaceCh(pos, 0, AsChar(ch), count); }
-void VFile::Insert(const char* text) { ReplaceBuf(pos, 0, text, LengthOf(text)); }
+void VFile::Insert(const char* text) { ReplaceStr(pos, 0, text); }
 void VFile::Insert(const VFile& source, std::int32_t position, std::int32_t count) {
   ReplaceTxt(pos, 0, source, position, count);
 }
@@ -74,7 +76,7 @@ void VFile::ReplaceQWord(unsigned long long value) { ReplaceBuf(pos, 8, &value, 
 void VFile::Replace(signed char ch, std::int32_t count) { ReplaceCh(pos, count, AsChar(ch), count); }
 void VFile::Replace(char ch, std::int32_t count) { ReplaceCh(pos, count, ch, count); }
 void VFile::Replace(unsigned char ch, std::int32_t count) { ReplaceCh(pos, count, AsChar(ch), count); }
-void VFile::Replace(const char* text) { ReplaceBuf(pos, SameLen, text, LengthOf(text)); }
+void VFile::Replace(const char* text) { ReplaceStr(pos, SameLen, text); }
 void VFile::Replace(const VFile& source, std::int32_t position, std::int32_t count) {
   ReplaceTxt(pos, SameLen, source, position, count);
 }
@@ -94,7 +96,7 @@ void VFile::WriteQWord(unsigned long long value) { ReplaceBuf(pos, WriteDel(8), 
 void VFile::Write(signed char ch, std::int32_t count) { ReplaceCh(pos, WriteDel(count), AsChar(ch), count); }
 void VFile::Write(char ch, std::int32_t count) { ReplaceCh(pos, WriteDel(count), ch, count); }
 void VFile::Write(unsigned char ch, std::int32_t count) { ReplaceCh(pos, WriteDel(count), AsChar(ch), count); }
-void VFile::Write(const char* text) { ReplaceBuf(pos, WriteDel(SameLen), text, LengthOf(text)); }
+void VFile::Write(const char* text) { ReplaceStr(pos, WriteDel(SameLen), text); }
 void VFile::Write(const VFile& source, std::int32_t position, std::int32_t count) {
   ReplaceTxt(pos, WriteDel(SameLen), source, position, count);
 }
@@ -114,7 +116,7 @@ void VFile::AppendQWord(unsigned long long value) { ReplaceBuf(length, 0, &value
 void VFile::Append(signed char ch, std::int32_t count) { ReplaceCh(length, 0, AsChar(ch), count); }
 void VFile::Append(char ch, std::int32_t count) { ReplaceCh(length, 0, ch, count); }
 void VFile::Append(unsigned char ch, std::int32_t count) { ReplaceCh(length, 0, AsChar(ch), count); }
-void VFile::Append(const char* text) { ReplaceBuf(length, 0, text, LengthOf(text)); }
+void VFile::Append(const char* text) { ReplaceStr(length, 0, text); }
 void VFile::Append(const VFile& source, std::int32_t position, std::int32_t count) {
   ReplaceTxt(length, 0, source, position, count);
 }
@@ -134,7 +136,7 @@ void VFile::PrependQWord(unsigned long long value) { ReplaceBuf(0, 0, &value, 8)
 void VFile::Prepend(signed char ch, std::int32_t count) { ReplaceCh(0, 0, AsChar(ch), count); }
 void VFile::Prepend(char ch, std::int32_t count) { ReplaceCh(0, 0, ch, count); }
 void VFile::Prepend(unsigned char ch, std::int32_t count) { ReplaceCh(0, 0, AsChar(ch), count); }
-void VFile::Prepend(const char* text) { ReplaceBuf(0, 0, text, LengthOf(text)); }
+void VFile::Prepend(const char* text) { ReplaceStr(0, 0, text); }
 void VFile::Prepend(const VFile& source, std::int32_t position, std::int32_t count) {
   ReplaceTxt(0, 0, source, position, count);
 }

@@ -1,13 +1,9 @@
-#include <string>
-
 #include "hsys/NumberText.h"
 #include "vfile/VFile.h"
 
 namespace {
 
 using NumberText = hsys::NumberText<char>;
-
-std::int32_t LengthOf(const char* text) { return static_cast<std::int32_t>(std::char_traits<char>::length(text)); }
 
 }  // namespace
 
@@ -20,7 +16,7 @@ VFile& VFile::operator=(const VFile& source) {  // NOLINT(bugprone-unhandled-sel
 }
 
 VFile& VFile::operator=(const char* text) {
-  ReplaceBuf(0, length, text, LengthOf(text));
+  ReplaceStr(0, length, text);
   return *this;
 }
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-std::int32_t LengthOf(const char* text) { return static_cast<std::int32_t>(std::strlen(text)); }
+std::int32_t LengthOf(const char* text) { return vfile::SearchLength(std::strlen(text)); }
 
 using Search = vfile::SearchText<vfile::SearchedBytes>;
 
@@ -47,14 +47,14 @@ bool VFile::FindBack(std::int32_t& position, const char* text, bool ignoreCase, 
 std::int32_t VFile::ReplaceGlobal(const char* oldText, const char* newText, bool ignoreCase, bool wholeWord) {
   if (!OnOwnerThread()) return 0;
   const std::int32_t n = LengthOf(oldText);
-  const std::int32_t m = LengthOf(newText);
+  const std::size_t m = std::strlen(newText);
   if (n == 0) {
     res = resCallError;
     return 0;
   }
   std::int32_t count = 0;
   for (std::int32_t at = 0; Find(at, oldText, ignoreCase, wholeWord); ++count) {
-    ReplaceBuf(at - n, n, newText, m);
+    if (AdmitSize(m)) ReplaceBuf(at - n, n, newText, static_cast<std::int32_t>(m));
     if (res != resDone) break;
     // Behind the new text, which is not searched again.
     at = pos;

@@ -2,13 +2,22 @@
 /// A text that is searched for, one element of the file at a time: bytes or units.
 #pragma once
 
+#include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
 #include "host/Unit.h"
+#include "vfile/Blocks.h"
 
 namespace vfile {
+
+/// The length of a text as a search takes it. One that is no count counts as the largest, which no file holds: a search
+/// for it goes through the file and finds nothing.
+constexpr std::int32_t SearchLength(std::size_t length) {
+  return static_cast<std::int32_t>(std::min(length, std::size_t{MaxLen}));
+}
 
 /// The smallest shift `s` from 1 up after which a match of the first `k` elements of a pattern may still be one: the
 /// pattern from `s` to `k` - 1 equals the pattern from 0 to `k` - `s` - 1. It is the shift of Knuth, Morris and Pratt,

@@ -73,7 +73,11 @@ void VFile::WriteByPieces(bool open, std::int32_t count, WritePiece writePiece) 
   while (count > 0) {
     unsigned char piece[BlkSize];
     const std::int32_t n = ReadBytes(piece, std::min(count, BlkSize));
-    if (n == 0) return;
+    // There is less than the length says only behind a halt that returned.
+    if (n == 0) {
+      Refuse();
+      return;
+    }
     res = writePiece(piece, n);
     if (res != resDone) return;
     count -= n;

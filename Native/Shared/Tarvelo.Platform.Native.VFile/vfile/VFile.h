@@ -16,15 +16,18 @@
 /// holds one small descriptor for each block and the bounded page cache.
 ///
 /// Units: positions, lengths and counts are bytes, 32-bit signed. A position past the end counts as the end, and a count
-/// past the end as what is there; neither is a failure. A negative one is `resCallError`.
+/// past the end as what is there; neither is a failure. A negative one is `resCallError`. A string that is too long for a
+/// count, of 2^31 bytes or more, is `resTooLong`.
 ///
-/// res: hsys/Res.h tells the rule. Operations return nothing; look at `res` after a run of them, and before one that clears it:
-///
-///   - While it is not `resDone`, changes, flag changes, `ReadFile`, `WriteFile` and transfers with open files do nothing, and
-///     keep it.
-///   - What first moves to a place of its own clears it: `SetPos` to a valid position, `Reset`, `Load`, `Save`, searches and
-///     `ReplaceGlobal`, the line functions, `ReadTxt`; `Read` and `ReadLine` at a CR without LF; `>>` into a file, if it succeeds.
-///   - Other reads, comparisons, queries and `Flush` neither look at it nor clear it.
+/// res: hsys/Res.h tells the rule. Operations return nothing; look at `res` after a run of them that keep it, and before one
+/// that clears it: a `Save` behind a failed `Load` writes what is there.
+/// - Kept, and nothing done while it is not `resDone`: changes, flag changes, `WriteFile`, `WriteToFile`, `ReadFile` and
+///   `ReadFromFile`. `a >> b` so looks at that of `b`.
+/// - Cleared: by `SetPos` to a valid position and `Reset`; by what begins with such a move: `ReadTxt`, `Save`, `Load`, the
+///   searches, `ReplaceGlobal` and the line functions; by `Read` and `ReadLine` at a CR that no LF follows; by `a >> b` that
+///   moved, for `a`. Their own failure then stands in it. Such a call that is refused (`resCallError`), or ends before it moves
+///   as its description says, does not clear it.
+/// - Neither looked at nor cleared: all other reads, queries, `Flush`, comparison.
 ///
 /// eof: whether the last read ran against an end of the file. Not the same as `Eof()`, which compares the position with the
 /// length: reading the last byte leaves `eof` false.
@@ -46,6 +49,7 @@
 #pragma once
 
 #include <climits>
+#include <cstddef>
 #include <cstdint>
 
 #include "hfile/HFile.h"
@@ -155,8 +159,9 @@ class VFILE_API VFile {
   static void ReleaseCache();             ///< Writes all changed pages to the swap file and empties the cache.
   static std::int16_t GetCacheSize();     ///< Kilobytes that the cache takes now.
   static std::int16_t GetMaxCacheSize();  ///< The bound of the cache in kilobytes.
-  /// Bounds the cache in kilobytes; 70 at first.
+  /// Bounds the cache in kilobytes; 70 at first. A constant that does not fit does not compile, or gets the compiler's warning.
   static void SetMaxCacheSize(std::int16_t kilobytes);
+  VFILE_REFUSE_CONSTANT(kilobytes != static_cast<std::int16_t>(kilobytes), static void SetMaxCacheSize(int kilobytes))
   /// The directory for the swap file, or null. Valid until it is set again or the thread's last file goes.
   static const TChar* GetTempDir();
   /// Sets it, for the next swap file that is made; a copy is kept, null or empty clears it. Must not be given what
@@ -428,6 +433,34 @@ class VFILE_API VFile {
   VFile& operator+=(const VFile& source);
 
   /// @}
+  /// @name What does not compile
+  ///
+  /// A pointer to characters would pass for a handle; write what it points to, or open the file of that name. A truth or a
+  /// wide character would go out as a number; cast it to what is meant.
+  /// @{
+
+  template <host::Character Char>
+  VFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void ReplaceFile(std::int32_t pos, std::int32_t del, Char* source, std::int32_t count) = delete;
+  template <host::Character Char>
+  void InsertFromFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void ReplaceFromFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void WriteFromFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void AppendFromFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void PrependFromFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void ReadFromFile(Char* file, std::int32_t count) = delete;
+  template <host::Character Char>
+  void WriteToFile(Char* file, std::int32_t count) = delete;
+  template <host::NoNumber Value>
+  VFile& operator<<(Value value) = delete;
+
+  /// @}
   /// @name Flags
   /// @{
 
@@ -447,8 +480,8 @@ class VFILE_API VFile {
   ///
   /// Finds the bytes of a terminated string, not empty, without memory on the heap: Knuth, Morris and Pratt's method with
   /// the shift computed from the text at each mismatch. `ignoreCase` compares by `toupper`; `wholeWord` wants no `isalnum`
-  /// byte next to the match, and goes on behind a match that has one. An empty text is found at once, where it is asked for.
-  /// A search moves the position and `eof` and clears `res`; a negative `pos` is `resCallError`.
+  /// byte next to the match, and goes on behind a match that has one. A search moves the position and `eof` and clears `res`.
+  /// An empty text is found at once, where it is asked for, and nothing moves; a negative `pos` is `resCallError`.
   /// @{
 
   /// Finds the first match that begins at `pos` or behind it. Found: `pos` becomes the position behind it.
@@ -464,15 +497,17 @@ class VFILE_API VFile {
   ///
   /// A line ends in CR LF, a lone CR or a lone LF, mixed at will; the last one may have no end. Behind a line end at the end of
   /// the file stands one more line, empty. The place between a CR and its LF belongs to the line that they end. `position` may
-  /// be anywhere in the line. These operations move the position to no defined place and clear `res`; a negative `position` is
-  /// `resCallError`, and past the end it counts as the end. Cost: that of reading the line; nothing is kept between calls.
+  /// be anywhere in the line. These operations move the position to no defined place and clear `res`, but for the two that say
+  /// so; a negative `position` is `resCallError`, and past the end it counts as the end. Cost: that of reading the line;
+  /// nothing is kept between calls.
   /// @{
 
   bool AfterCRLF(std::int32_t position);   ///< Whether the two bytes before `position` are CR LF.
   bool BeforeCRLF(std::int32_t position);  ///< Whether the two bytes from `position` on are CR LF.
-  /// Whether `position` stands between CR and LF; below 1 false, with `res` left alone.
+  /// Whether `position` stands between CR and LF. Below 1 it is false, with position, `eof` and `res` left alone.
   bool BetweenCRLF(std::int32_t position);
-  /// The position of the first byte of the line; 0 on failure. At the start of the file it does not have to look.
+  /// The position of the first byte of the line; 0 on failure. At the start of the file it does not look, and leaves position,
+  /// `eof` and `res` alone.
   std::int32_t LineStart(std::int32_t position);
   /// The line in bytes: its `start`, its `size` with the line end, and the `eolSize` of that, 0 to 2. On failure they stay as
   /// they were.
@@ -542,6 +577,8 @@ class VFILE_API VFile {
   Run RunBackward(RunBuffer& spare);
   /// Moves by `count` bytes, negative for backward, inside the block of the last run. Clears `eof`.
   void Skip(std::int32_t count);
+  /// Whether `size` bytes are a count. If not, a change that could begin otherwise is `resTooLong`. For the library's own classes.
+  VFILE_LOCAL bool AdmitSize(std::size_t size);
 
   /// @}
   /// @name The data model. Derived classes read it; only this class writes it.
@@ -652,6 +689,7 @@ class VFILE_API VFile {
 
   // Editing.cpp
   std::int32_t WriteDel(std::int32_t overwrite) const;
+  VFILE_LOCAL void ReplaceStr(std::int32_t position, std::int32_t del, const char* text);
 
   // Search.cpp
   bool IsWordByteBehind(std::int32_t position);

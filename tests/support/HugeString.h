@@ -1,0 +1,55 @@
+/// @file
+/// A string longer than any count, of a few pages that lie in the address space again and again.
+#pragma once
+
+#include <cstring>
+#include <string>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "host/Unit.h"
+
+namespace support {
+
+/// Whether the address space has room for it.
+inline constexpr bool kHasHugeStrings = sizeof(void*) > 4;
+
+/// A run of the byte "x" that ends in zeroes; any part up to its end is a string.
+class HugeString {
+ public:
+  static constexpr std::size_t kNoCount = std::size_t{1} << 31;
+  /// Cut to 32 bits this is 1.
+  static constexpr std::size_t kCutToOne = 2 * kNoCount + 1;
+
+  HugeString() : file_(memfd_create("huge", 0)) {
+    const std::string piece(kPiece, 'x');
+    if (write(file_, piece.data(), kPiece) != ssize_t{kPiece}) return;
+    void* room = mmap(nullptr, kSize, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (room == MAP_FAILED) return;
+    bytes_ = static_cast<char*>(room);
+    for (std::size_t at = 0; at < kRun; at += kPiece) {
+      mmap(bytes_ + at, kPiece, PROT_READ, MAP_SHARED | MAP_FIXED, file_, 0);
+    }
+  }
+  ~HugeString() {
+    if (bytes_ != nullptr) munmap(bytes_, kSize);
+    close(file_);
+  }
+  HugeString(const HugeString&) = delete;
+  HugeString& operator=(const HugeString&) = delete;
+
+  /// The string of so many bytes, at most `kCutToOne`.
+  const char* Bytes(std::size_t count) const { return bytes_ + kRun - count; }
+  /// The string of units that takes `size` bytes, an even number.
+  const TChar* Units(std::size_t size) const { return reinterpret_cast<const TChar*>(Bytes(size)); }
+
+ private:
+  static constexpr std::size_t kPiece = std::size_t{16} << 20;
+  static constexpr std::size_t kRun = 2 * kNoCount + kPiece;
+  static constexpr std::size_t kSize = kRun + 4096;
+
+  const int file_;
+  char* bytes_ = nullptr;
+};
+
+}  // namespace support
