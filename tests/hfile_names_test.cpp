@@ -172,6 +172,19 @@ TEST_F(FilesByName, AttributesAreReadAndSet) {
   umask(old);
 }
 
+TEST_F(FilesByName, MayHoldMoreThanTwoGiB) {
+  Put("large", "");
+  std::filesystem::resize_file(Path("large"), 3'000'000'000);
+  const TString large = Name("large");
+  EXPECT_TRUE(HFile::Exists(large.c_str()) && !HFile::IsReadOnly(large.c_str()));
+  const HANDLE handle = host::CreateFileW(large.c_str(), host::GENERIC_READ, 0, host::OPEN_EXISTING, 0);
+  ASSERT_NE(handle, INVALID_HANDLE_VALUE);
+  HFile file(handle);
+  char last[2];
+  EXPECT_EQ(host::SetFilePointer(handle, -1, host::FILE_END), 2'999'999'999);
+  EXPECT_EQ(file.ReadBytes(last, 2), 1);
+}
+
 TEST_F(FilesByName, TemporaryDirectoryIsTheFirstUsable) {
   Put("file", "");
   const std::pair<const char*, mode_t> directories[] = {{"one", 0777},     {"two", 0777},      {"last", 0777},

@@ -53,9 +53,10 @@ TEST(Loading, AThreadThatEndsBeforeTheLibraryLeavesNothing) {
     std::thread([&] { library.emplace(); }).join();
     EXPECT_TRUE(*library && !library->IsThreadInitialized());
   };
-  round();
-  const std::size_t before = HeapInUse();
+  // The system's own part grows in the first rounds.
   constexpr std::size_t kRounds = 100;
+  for (std::size_t i = 0; i < kRounds; ++i) round();
+  const std::size_t before = HeapInUse();
   for (std::size_t i = 0; i < kRounds; ++i) round();
   EXPECT_LT(HeapInUse(), before + kRounds * 64);
 }
