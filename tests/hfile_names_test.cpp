@@ -216,6 +216,7 @@ TEST_F(FilesByName, TemporaryDirectoryIsTheFirstUsable) {
       EXPECT_EQ(Narrow(dir), row[3].substr(0, 4));
     }
   });
+  for (const auto& [name, mode] : directories) chmod(Path(name).c_str(), 0777);
 }
 
 struct TemporaryFiles : FilesByName {
@@ -304,6 +305,7 @@ TEST_F(TemporaryFiles, TakeTheNextNumberForATakenNameAlone) {
     EXPECT_FALSE(Create(nullptr, nullptr, support::Units(Directory()).c_str()));
     EXPECT_EQ(file.res, resNoPermission);
   });
+  chmod(Directory().c_str(), 0755);
 }
 
 }  // namespace
