@@ -144,9 +144,20 @@ TEST(ThreadOfAForkedChild, ThatCameFromItsParentEndsAsItStands) {
 void ExitAmongOthers() {
   static std::atomic<int> rounds = 0;
   std::thread([] {
-    for (;; ++rounds) {
-      VFile own("own");
-      OnThread([] { VFile ofANewThread("new"); });
+    pthread_attr_t detached;
+    pthread_attr_init(&detached);
+    pthread_attr_setdetachstate(&detached, PTHREAD_CREATE_DETACHED);
+    const auto countRound = [](void*) -> void* {
+      VFile("of a new thread");
+      ++rounds;
+      return nullptr;
+    };
+    for (;;) {
+      const VFile own("own");
+      const int seen = rounds;
+      pthread_t id;
+      pthread_create(&id, &detached, countRound, nullptr);
+      while (rounds == seen) std::this_thread::yield();
     }
   }).detach();
   while (rounds == 0) std::this_thread::yield();
