@@ -1,9 +1,11 @@
 #include <functional>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <tuple>
 
 #include "hfile/HFile.h"
+#include "host/Host.h"
 #include "support/Files.h"
 #include "support/Halts.h"
 #include "support/Process.h"
@@ -27,7 +29,10 @@ TEST(Names, AreSplitAndPutTogether) {
       {"C", "dir", "f", "x", "C:dir\\f.x"}, {"C:\\z", "dir/", "f", ".x", "C:dir/f.x"}, {"", "", "f", "", "f"},
       {"", "dir\\", "", "t", "dir\\.t"}, {"", "", "f.", ".t", "f..t"}};
   // clang-format on
-  TChar part[4][32], joined[32], dir[32], name[32];
+  TChar part[4][32];
+  TChar joined[32];
+  TChar dir[32];
+  TChar name[32];
   for (const Texts& row : splits) {
     const TString path = Wide(row[0]);
     HFile::SplitName(part[0], 32, part[1], 32, part[2], 32, part[3], 32, path.c_str());
@@ -88,7 +93,8 @@ TEST(Names, StepThroughTheBackupExtensions) {
 
 TEST(Names, HaltWithoutRoomOrName) {
   TChar b[8] = {};
-  HFile file, open(host::HandleFromDescriptor(dup(1)));
+  HFile file;
+  HFile open(host::HandleFromDescriptor(dup(1)));
   const auto* name = TSTR("n");
   // clang-format off
 #define WITH(call) [&](TChar* to, std::uint32_t size) { HFile::call; }
@@ -123,17 +129,22 @@ TEST_F(FilesByName, FullNamesAreResolvedAsText) {
         {Path("sub"), "", In("sub")}, {Path("sub"), ".", In("sub")}, {Path("sub"), "a", In("sub/a")},
         {Path("sub"), "..\\a/", In("a")}, {Path("sub"), "a//b\\c", In("sub/a/b/c")}, {Path("sub"), "a/../..\\./b", In("b")},
         {Path("sub"), "...", In("sub/...")}, {Path("sub"), "C:\\x", In("sub/C:/x")}, {"/", "a/.", "/a"}, {"/", "/", "/"},
-        {"/", "\\..\\x", "/x"}, {"/", "/a/b/../../..", "/"}};
+        {"/", "\\..\\x", "/x"}, {"/", "/a/b/../../..", "/"}, {Path("sub"), "/a/../b", "/b"}};
     // clang-format on
-    TChar full[261], small[5] = TSTR("abc");
+    TChar full[261];
+    TChar small[5] = TSTR("abc");
     for (const auto& [current, name, expected] : rows) {
       std::filesystem::current_path(current);
       HFile::GetFullName(full, 261, Wide(name).c_str());
       EXPECT_EQ(Narrow(full), expected) << name;
     }
+    std::filesystem::current_path("/");
     HFile::GetFullName(small, 5, small);
     HFile::GetFullName(full, 4, TSTR("abcde"));
     EXPECT_TRUE(Narrow(small) == "/abc" && Narrow(full) == "abc");
+    // What fits when it is resolved need not fit before.
+    HFile::GetFullName(small, 5, TSTR("abcdef/../x"));
+    EXPECT_EQ(Narrow(small), "/x");
     HFile::GetFullName(small, 5, TString(9000, 'n').c_str());
     EXPECT_EQ(Narrow(small), "nnnn");
     std::filesystem::current_path(Path("sub"));
@@ -145,7 +156,9 @@ TEST_F(FilesByName, FullNamesAreResolvedAsText) {
 
 TEST_F(FilesByName, AttributesAreReadAndSet) {
   const mode_t old = umask(002);
-  const TString file = Name("file"), directory = Name(""), missing = Name("missing");
+  const TString file = Name("file");
+  const TString directory = Name("");
+  const TString missing = Name("missing");
   EXPECT_TRUE(HFile().Create(file.c_str(), false));
   EXPECT_TRUE(HFile::Exists(file.c_str()) && HFile::Exists(directory.c_str()) && !HFile::Exists(missing.c_str()));
   EXPECT_TRUE(HFile::IsDirectory(directory.c_str()) && !HFile::IsDirectory(file.c_str()));
@@ -159,19 +172,43 @@ TEST_F(FilesByName, AttributesAreReadAndSet) {
   umask(old);
 }
 
+TEST_F(FilesByName, MayHoldMoreThanTwoGiB) {
+  Put("large", "");
+  std::filesystem::resize_file(Path("large"), 3'000'000'000);
+  const TString large = Name("large");
+  EXPECT_TRUE(HFile::Exists(large.c_str()) && !HFile::IsReadOnly(large.c_str()));
+  const HANDLE handle = host::CreateFileW(large.c_str(), host::GENERIC_READ, 0, host::OPEN_EXISTING, 0);
+  ASSERT_NE(handle, INVALID_HANDLE_VALUE);
+  HFile file(handle);
+  char last[2];
+  EXPECT_EQ(host::SetFilePointer(handle, -1, host::FILE_END), 2'999'999'999);
+  EXPECT_EQ(file.ReadBytes(last, 2), 1);
+}
+
 TEST_F(FilesByName, TemporaryDirectoryIsTheFirstUsable) {
+  Put("file", "");
+  const std::pair<const char*, mode_t> directories[] = {{"one", 0777},     {"two", 0777},      {"last", 0777},
+                                                        {"no read", 0333}, {"no write", 0555}, {"no search", 0666}};
+  for (const auto& [name, mode] : directories) {
+    std::filesystem::create_directory(Path(name));
+    ASSERT_EQ(chmod(Path(name).c_str(), mode), 0);
+  }
+  ASSERT_EQ(chmod(Directory().c_str(), 0755), 0);
   support::InChild([this] {
-    for (const char* name : {"one", "two", "last"}) std::filesystem::create_directory(Path(name));
-    Put("file", "");
+    // Rights count for others than root alone.
+    EXPECT_TRUE(geteuid() != 0 || setuid(65534) == 0);
     // "TMP", "TEMP", "TMPDIR", and which of them it is.
     // clang-format off
     const Texts rows[] = {
         {"one", "two", "last", In("one\\")}, {"one/", "two", "last", In("one/")}, {"file", "two", "last", In("two\\")},
-        {"no", "file", "last", In("last\\")}, {"no", "no", "no", "/var/tmp/"}};
+        {"no", "file", "last", In("last\\")}, {"no", "no", "no", "/var/tmp/"}, {"no read", "two", "last", In("two\\")},
+        {"no write", "no search", "last", In("last\\")}, {"no", "no", "no read", "/var/tmp/"},
+        {"no", "no", "no write", "/var/tmp/"}, {"no", "no", "no search", "/var/tmp/"}};
     // clang-format on
     for (const Texts& row : rows) {
-      setenv("TMP", In(row[0]).c_str(), 1), setenv("TEMP", In(row[1]).c_str(), 1),
-          setenv("TMPDIR", In(row[2]).c_str(), 1);
+      setenv("TMP", In(row[0]).c_str(), 1);
+      setenv("TEMP", In(row[1]).c_str(), 1);
+      setenv("TMPDIR", In(row[2]).c_str(), 1);
       TChar dir[261];
       HFile::GetTempDir(dir, 261);
       EXPECT_EQ(Narrow(dir), row[3]);
@@ -179,32 +216,35 @@ TEST_F(FilesByName, TemporaryDirectoryIsTheFirstUsable) {
       EXPECT_EQ(Narrow(dir), row[3].substr(0, 4));
     }
   });
+  for (const auto& [name, mode] : directories) chmod(Path(name).c_str(), 0777);
 }
 
-TEST_F(FilesByName, TemporaryFilesAreNewAndStayOpen) {
+struct TemporaryFiles : FilesByName {
+  bool Create(const TChar* prefix, const TChar* ext, const TChar* dir, bool seqWrite = false) {
+    return HFile::CreateTempFile(file, name, 261, prefix, ext, dir, seqWrite);
+  }
+  HFile file;
+  TChar name[261];
+};
+
+TEST_F(TemporaryFiles, HaveTheirNameAndArePrivate) {
   support::InChild([this] {
     setenv("TMP", Directory().c_str(), 1);
     std::filesystem::current_path(Directory());
-    HFile file;
-    TChar name[261];
-    const auto create = [&](const TChar* prefix, const TChar* ext, const TChar* dir, std::uint32_t size = 261) {
-      return HFile::CreateTempFile(file, name, size, prefix, ext, dir, size == 261);
-    };
     const std::string in = In("");
-    const TString full = Name(""), bare = support::Units(Directory()), longText(80, 'x'), none = Name("none"),
-                  broken(1, 0xD800), tooLong(261, 'd');
+    const TString full = Name("");
+    const TString bare = support::Units(Directory());
+    const TString longText(80, 'x');
     // clang-format off
     const std::tuple<const TChar*, const TChar*, const TChar*, std::string, std::string> rows[] = {
         {nullptr, nullptr, nullptr, in + "~hf", ".tmp"}, {TSTR("p"), TSTR("t"), full.c_str(), in + "p", ".t"},
         {TSTR("p"), TSTR(".t"), full.c_str(), in + "p", ".t"}, {TSTR(""), TSTR("."), bare.c_str(), in, "."},
         {TSTR("p"), TSTR(""), TSTR(""), "p", ""},
         {longText.c_str(), longText.c_str(), nullptr, in + std::string(63, 'x'), "." + std::string(62, 'x')}};
-    const std::tuple<const TChar*, const TChar*, std::int32_t> bad[] = {
-        {nullptr, none.c_str(), resIllegalPath}, {TSTR("no/"), nullptr, resIllegalPath},
-        {broken.c_str(), nullptr, resIllegalName}, {nullptr, tooLong.c_str(), resIllegalName}};
     // clang-format on
+    umask(022);
     for (const auto& [prefix, ext, dir, head, tail] : rows) {
-      EXPECT_TRUE(create(prefix, ext, dir) && file.IsOpen());
+      EXPECT_TRUE(Create(prefix, ext, dir) && file.IsOpen());
       file << "mine";
       file.Close();
       std::string text = Narrow(name);
@@ -214,15 +254,58 @@ TEST_F(FilesByName, TemporaryFilesAreNewAndStayOpen) {
       const std::size_t behind = std::min(text.find_first_not_of("0123456789", head.size()), text.size());
       EXPECT_EQ(behind, text.size() - tail.size()) << text;
       EXPECT_EQ(Content(std::filesystem::path(text).filename()), "mine");
+      struct stat status;
+      EXPECT_TRUE(stat(text.c_str(), &status) == 0 && (status.st_mode & 07777) == 0600) << text;
     }
-    for (const auto& [prefix, dir, res] : bad) EXPECT_TRUE(!create(prefix, nullptr, dir) && file.res == res) << res;
-    EXPECT_TRUE(create(nullptr, nullptr, nullptr) && file.ReadBytes(name, 1) == 0 && file.res == resNoPermission);
-    file.Close();
-    const auto exact = static_cast<std::uint32_t>(TString(name).size());
-    EXPECT_TRUE(!create(nullptr, nullptr, nullptr, exact) && file.res == resIllegalName);
-    EXPECT_TRUE(chmod(Directory().c_str(), 0555) == 0 && (geteuid() != 0 || seteuid(65534) == 0));
-    EXPECT_TRUE(!create(nullptr, nullptr, bare.c_str()) && file.res == resNoPermission);
+    EXPECT_TRUE(Create(nullptr, nullptr, nullptr, true) && file.ReadBytes(name, 1) == 0 && file.res == resNoPermission);
   });
+}
+
+TEST_F(TemporaryFiles, TakeTheNextNumberForATakenNameAlone) {
+  support::InChild([this] {
+    const TString directory = support::Units(Directory());
+    const TString none = Name("none");
+    const TString broken(1, 0xD800);
+    const TString tooLong(261, 'd');
+    // Names of up to 255 bytes: beside 189 of the prefix and 62 of the extension three digits fit, beside 125 none.
+    const TString wide(63, 0x20AC);
+    const TString half(61, 'x');
+    const std::tuple<const TChar*, const TChar*, const TChar*, std::int32_t> rows[] = {
+        {nullptr, nullptr, none.c_str(), resIllegalPath},
+        {TSTR("no/"), nullptr, directory.c_str(), resIllegalPath},
+        {broken.c_str(), nullptr, directory.c_str(), resIllegalName},
+        {nullptr, nullptr, tooLong.c_str(), resIllegalName},
+        {wide.c_str(), wide.c_str(), directory.c_str(), resNotDone},
+        {wide.c_str(), half.c_str(), directory.c_str(), resDone}};
+    for (const auto& [prefix, ext, dir, res] : rows) {
+      EXPECT_EQ(std::tuple(Create(prefix, ext, dir), file.res), std::tuple(res == resDone, res));
+    }
+    file.Close();
+    const auto exact = static_cast<std::uint32_t>(directory.size() + 1 + 4);
+    EXPECT_FALSE(HFile::CreateTempFile(file, name, exact, nullptr, nullptr, directory.c_str(), false));
+    EXPECT_EQ(file.res, resIllegalName);
+
+    // The numbers of the next three seconds.
+    const std::uint32_t now = host::GetTickCount();
+    const auto taken = [&](std::uint32_t i) {
+      return "p" + std::to_string(static_cast<std::int32_t>(now + i) % 100000000);
+    };
+    for (std::uint32_t i = 0; i < 3000; ++i) std::filesystem::create_symlink("none", Path(taken(i)));
+    EXPECT_TRUE(Create(TSTR("p"), TSTR(""), directory.c_str()) && !std::filesystem::exists(Path("none")));
+    EXPECT_FALSE(std::filesystem::is_symlink(std::filesystem::path(TString(name)))) << Narrow(name);
+    file.Close();
+
+    const rlimit noDescriptors = {3, 3};
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &noDescriptors), 0);
+    EXPECT_FALSE(Create(nullptr, nullptr, directory.c_str()));
+    EXPECT_EQ(file.res, resTooManyFiles);
+  });
+  support::InChild([this] {
+    EXPECT_TRUE(chmod(Directory().c_str(), 0555) == 0 && (geteuid() != 0 || seteuid(65534) == 0));
+    EXPECT_FALSE(Create(nullptr, nullptr, support::Units(Directory()).c_str()));
+    EXPECT_EQ(file.res, resNoPermission);
+  });
+  chmod(Directory().c_str(), 0755);
 }
 
 }  // namespace

@@ -19,14 +19,30 @@ struct HFileText : support::InDirectory {
   template <typename Value>
   void Travels(void (HFile::*write)(Value), void (HFile::*read)(Value&)) {
     Open("");
-    Value values[] = {static_cast<Value>(0xF1F2F3F4F5F6F7F8), 0};
-    (file.*write)(values[0]), file.Reset(), (file.*read)(values[1]);
-    EXPECT_TRUE(values[1] == values[0] && file.Length() == sizeof(Value) && !file.eof && file.res == resDone);
+    const Value written = static_cast<Value>(0xF1F2F3F4F5F6F7F8);
+    Value value = 0;
+    (file.*write)(written);
+    file.Reset();
+    (file.*read)(value);
+    EXPECT_TRUE(value == written && file.Length() == sizeof(Value) && !file.eof && file.res == resDone);
     EXPECT_EQ(Content("file")[0], '\xF8');
-    file.SetPos(sizeof(Value) - 1), (file.*read)(values[1]);
+    file.SetPos(sizeof(Value) - 1);
+    (file.*read)(value);
     EXPECT_EQ(file.eof, sizeof(Value) > 1);
   }
 };
+
+/// `long` belongs to the forms of its width.
+template <typename Long, typename File>
+constexpr auto WriterOf() -> void (File::*)(Long) {
+  if constexpr (sizeof(Long) == 8) return &File::WriteQWord;
+  if constexpr (sizeof(Long) == 4) return &File::WriteDWord;
+}
+template <typename Long, typename File>
+constexpr auto ReaderOf() -> void (File::*)(Long&) {
+  if constexpr (sizeof(Long) == 8) return &File::ReadQWord;
+  if constexpr (sizeof(Long) == 4) return &File::ReadDWord;
+}
 
 TEST_F(HFileText, ValuesTravelAsTheirBytes) {
   Travels<unsigned char>(&HFile::WriteByte, &HFile::ReadByte);
@@ -39,14 +55,17 @@ TEST_F(HFileText, ValuesTravelAsTheirBytes) {
   Travels<unsigned int>(&HFile::WriteDWord, &HFile::ReadDWord);
   Travels<long long>(&HFile::WriteQWord, &HFile::ReadQWord);
   Travels<unsigned long long>(&HFile::WriteQWord, &HFile::ReadQWord);
-  Travels<long>(&HFile::WriteQWord, &HFile::ReadQWord);
-  Travels<unsigned long>(&HFile::WriteQWord, &HFile::ReadQWord);
+  Travels<long>(WriterOf<long, HFile>(), ReaderOf<long, HFile>());
+  Travels<unsigned long>(WriterOf<unsigned long, HFile>(), ReaderOf<unsigned long, HFile>());
   Open("\1\2\3");
   unsigned int rest = ~0u;
   char ch;
   signed char schar;
   unsigned char byte;
-  file.SetPos(1), file.ReadDWord(rest), file.Reset(), file >> ch >> schar >> byte;
+  file.SetPos(1);
+  file.ReadDWord(rest);
+  file.Reset();
+  file >> ch >> schar >> byte;
   EXPECT_TRUE(rest == 0xFFFF0302 && ch == 1 && schar == 2 && byte == 3);
 }
 
@@ -56,12 +75,14 @@ TEST_F(HFileText, NumbersGoOutAsTextAndCharactersAsThemselves) {
        << " text ";
   file << static_cast<short>(-12) << ' ' << static_cast<unsigned short>(65535) << ' ' << INT_MIN << ' ' << ~0u << ' ';
   file << LONG_MIN << ' ' << ULONG_MAX << ' ' << LLONG_MIN << ' ' << ULLONG_MAX;
-  file.WriteLn(), file.Write(static_cast<signed char>('s'), 2), file.Write(static_cast<unsigned char>('u'), 1);
-  file.radix = 2, file << ' ' << -1 << ' ' << ULLONG_MAX;
-  EXPECT_EQ(Content("file"),
-            "ABC text -12 65535 -2147483648 4294967295 -9223372036854775808 18446744073709551615 -9223372036854775808 "
-            "18446744073709551615\r\nssu " +
-                std::string(32, '1') + ' ' + std::string(64, '1'));
+  file.WriteLn();
+  file.Write(static_cast<signed char>('s'), 2);
+  file.Write(static_cast<unsigned char>('u'), 1);
+  file.radix = 2;
+  file << ' ' << -1 << ' ' << ULLONG_MAX;
+  EXPECT_EQ(Content("file"), "ABC text -12 65535 -2147483648 4294967295 " + std::to_string(LONG_MIN) + ' ' +
+                                 std::to_string(ULONG_MAX) + " -9223372036854775808 18446744073709551615\r\nssu " +
+                                 std::string(32, '1') + ' ' + std::string(64, '1'));
 }
 
 TEST_F(HFileText, StretchesAreCutToFileCountAndBuffer) {
@@ -80,13 +101,15 @@ TEST_F(HFileText, StretchesAreCutToFileCountAndBuffer) {
     EXPECT_EQ(file.GetPos(), std::min(position, 10) + static_cast<int>(text.size()));
   }
   for (const auto& [to, size, position, count] : bad) {
-    file.SetPos(0), buffer[0] = 'x';
+    file.SetPos(0);
+    buffer[0] = 'x';
     EXPECT_TRUE(file.ReadTxt(to, size, position, count) == 0 && file.res == resCallError && buffer[0] == 'x');
     EXPECT_TRUE(file.ReadTxt(buffer, 4, 0, 1) == 0 && file.ReadLine(buffer, 4) == 0 && buffer[0] == 'x');
   }
   file.Close();
   for (const bool line : {false, true}) {
-    file.res = resDone, buffer[0] = 'x';
+    file.res = resDone;
+    buffer[0] = 'x';
     EXPECT_EQ(line ? file.ReadLine(buffer, 4) : file.ReadTxt(buffer, 4, 0, 1), 0);
     EXPECT_TRUE(file.res == resCallError && buffer[0] == '\0');
   }
@@ -103,7 +126,8 @@ TEST_F(HFileText, LinesEndInAnyMix) {
     std::string read;
     do {
       EXPECT_LT(file.ReadLine(buffer, size), size);
-      read += buffer, read += file.eof ? '!' : '|';
+      read += buffer;
+      read += file.eof ? '!' : '|';
     } while (!file.eof);
     EXPECT_TRUE(read == lines && file.res == resDone) << read << " of " << content;
   }

@@ -1,7 +1,10 @@
 #include "hfile/HFileDir.h"
 
 #include <gtest/gtest.h>
+#include <tuple>
+#include <vector>
 
+#include "hfile/HFile.h"
 #include "host/Host.h"
 #include "support/Files.h"
 #include "support/Halts.h"
@@ -58,7 +61,7 @@ TEST_F(Walks, PatternsMatchWholeNamesInOrder) {
 TEST_F(Walks, RelativePatternsAndWhatLooksLikeADrive) {
   support::InChild([this] {
     std::filesystem::current_path(Directory());
-    Put("c:one", ""), Put("c:two", ""), Put("cat", "");
+    for (const char* name : {"c:one", "c:two", "cat"}) Put(name, "");
     for (const TChar* pattern : {TSTR("c:*"), TSTR("c:*.*"), TSTR("c:?*")}) {
       HFileDir dir(pattern);
       TChar name[261];
@@ -78,7 +81,10 @@ TEST_F(Walks, AreInOneOfFourStates) {
   EXPECT_TRUE(dir.Count() == 0 && !dir.FindNext(nullptr, 0));
   for (int i = 0; i < 4; ++i) {
     EXPECT_TRUE(dir.FindNext(name, 261) && TString(name).back() == '0' + i && dir.Count() == i + 1);
-    if (i == 1) std::filesystem::remove(Path("n2")), Put("n9", "");
+    if (i == 1) {
+      std::filesystem::remove(Path("n2"));
+      Put("n9", "");
+    }
     EXPECT_TRUE(!dir.FindNext(nullptr, 261) && dir.Count() == i + 1);
   }
   for (int i = 0; i < 2; ++i) EXPECT_TRUE(!dir.FindNext(name, 261) && name[0] == 0 && dir.Count() == 4);
@@ -86,6 +92,8 @@ TEST_F(Walks, AreInOneOfFourStates) {
   EXPECT_TRUE(dir.FindFirst(name, 5, Name("n*").c_str()) && TString(name) == Name("n0").substr(0, 4));
   EXPECT_TRUE(dir.FindNext(name, 261) && name == Name("n1") && dir.Count() == 2);
   EXPECT_TRUE(!dir.FindFirst(name, 261, Name("none").c_str()) && name[0] == 0 && dir.Count() == 0);
+  Put("none", "");
+  EXPECT_TRUE(!dir.FindNext(name, 261) && dir.Count() == 0) << "a walk that found nothing has ended";
   EXPECT_TRUE(dir.FindFirst(name, 261, Name("n*").c_str()) && !dir.FindFirst(name, 261, TSTR("")) && dir.Count() == 0);
   EXPECT_TRUE(dir.FindFirst(name, 261, Name("n*").c_str()) && !dir.FindFirst(nullptr, 261, Name("n*").c_str()));
   EXPECT_TRUE(dir.Count() == 0 && !dir.FindNext(name, 261));
@@ -93,20 +101,33 @@ TEST_F(Walks, AreInOneOfFourStates) {
   EXPECT_ASSERTION("HFile", dir.FindNext(name, 0));
 }
 
-TEST_F(Walks, ReachEveryOneOfThousands) {
-  constexpr int kNames = 5000;
-  for (int i = 0; i < kNames; ++i) Put("f" + std::to_string(i) + (i % 2 == 0 ? "\xFF" : "\xC3\xA4"), "x");
-  HFileDir dir;
-  TChar name[261];
-  int reached = 0;
-  TString last;
-  for (bool found = dir.FindFirst(name, 261, Name("f*").c_str()); found; found = dir.FindNext(name, 261)) {
-    EXPECT_LT(last, name);
-    last = name;
-    const HANDLE file = host::CreateFileW(name, host::GENERIC_READ, 0, host::OPEN_EXISTING, 0);
-    if (file != INVALID_HANDLE_VALUE && host::GetFileSize(file) == 1 && host::CloseHandle(file)) ++reached;
+TEST_F(Walks, ReachEveryFileAsItself) {
+  std::filesystem::create_directory(Path("victim"));
+  std::filesystem::create_directory(Path("sub"));
+  Put("victim/important.tmp", "important");
+  const std::vector<std::string> names = {"..\\victim\\important.tmp", "\\",   "a\\",
+                                          "\\\xF0\x9F\x98\x80\\",      "\xFF", "f\x80\xC3\xA4\xC3"};
+  for (const std::string& name : names) Put("sub/" + name, name);
+  HFileDir dir(Name("sub/*").c_str());
+  std::size_t removed = 0;
+  for (TChar name[261]; dir.FindNext(name, 261);) {
+    if (HFile::IsDirectory(name)) continue;
+    HFile file;
+    char content[64] = {};
+    EXPECT_TRUE(file.Open(name) && file.ReadBytes(content, sizeof content) > 0);
+    EXPECT_EQ(Content(std::string("sub/") + content), content);
+    file.Close();
+    EXPECT_TRUE(HFile::Remove(name) && !std::filesystem::exists(Path(std::string("sub/") + content))) << content;
+    ++removed;
   }
-  EXPECT_TRUE(reached == kNames && dir.Count() == kNames);
+  EXPECT_EQ(std::tuple(removed, Content("victim/important.tmp")), std::tuple(names.size(), "important"));
+  support::InChild([this] {
+    std::filesystem::create_directory(Path("a\\b"));
+    std::filesystem::current_path(Path("a\\b"));
+    TChar full[261];
+    HFile::GetFullName(full, 261, TSTR("c"));
+    EXPECT_TRUE(HFile().Create(full, false) && std::filesystem::exists(Path("a\\b/c")));
+  });
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "hsys/HSys.h"
 
+#include <array>
 #include <cmath>
 #include <csignal>
 #include <ctime>
@@ -8,10 +9,13 @@
 
 #include "hfile/HFile.h"
 #include "host/Host.h"
+#include "host/posix/LocalTime.h"
 #include "support/Halts.h"
+#include "support/Process.h"
 
 namespace {
 
+using host::SYSTEMTIME;
 using support::Narrow;
 using support::NoteHalts;
 
@@ -110,21 +114,91 @@ TEST(Numbers, HaveOrderSignWordsAndBytes) {
   EXPECT_TRUE(MaxR(1, 2) == 2 && MinR(1, 2) == 1 && MaxR(NAN, 2) == 2 && MinR(1, NAN) != 1 && SignR(-0.5) == -1);
   std::uint16_t hi, lo;
   char b[6];
-  Short2(0x12345678, hi, lo), Extract2(0x0102, b[0], b[1]), Extract4(0x03040506, b[2], b[3], b[4], b[5]);
+  Short2(0x12345678, hi, lo);
+  Extract2(0x0102, b[0], b[1]);
+  Extract4(0x03040506, b[2], b[3], b[4], b[5]);
   EXPECT_TRUE(hi == 0x1234 && lo == 0x5678 && HI(-2) == 0xFFFF && LO(-2) == 0xFFFE && Long2(hi, lo) == 0x12345678);
   EXPECT_TRUE(std::string(b, 6) == "\1\2\3\4\5\6" && Build2(-1, 2) == -254 && Build4(1, 2, 3, -4) == 0x010203FC);
   EXPECT_TRUE(Long(-3) == -3 && LongC(~0u) == -1 && Int(~0u) == -1 && Card(-1) == ~0u && GetEolKind() == eolCrLf);
 }
 
+/// The host's own clock: others of it run behind this one.
+std::time_t SecondsNow() {
+  timespec now;
+  clock_gettime(CLOCK_REALTIME, &now);
+  return now.tv_sec;
+}
+
 TEST(Clock, IsTheHostsInLocalTime) {
   std::tm now = {};
   std::int32_t day, month, year, hour, minute, second, millisecond;
-  const std::time_t before = std::time(nullptr);
-  GetDate(day, month, year), GetTime(hour, minute, second, millisecond);
-  now.tm_mday = day, now.tm_mon = month - 1, now.tm_year = year - 1900, now.tm_isdst = -1;
-  now.tm_hour = hour, now.tm_min = minute, now.tm_sec = second;
+  const std::time_t before = SecondsNow();
+  do {
+    GetDate(day, month, year);
+    GetTime(hour, minute, second, millisecond);
+    GetDate(now.tm_mday, now.tm_mon, now.tm_year);
+  } while (now.tm_mday != day);
+  now.tm_mon = month - 1;
+  now.tm_year = year - 1900;
+  now.tm_hour = hour;
+  now.tm_min = minute;
+  now.tm_sec = second;
+  now.tm_isdst = -1;
   const std::time_t told = std::mktime(&now);
-  EXPECT_TRUE(told >= before && told <= std::time(nullptr) && millisecond >= 0 && millisecond < 1000);
+  EXPECT_TRUE(told >= before && told <= SecondsNow() && millisecond >= 0 && millisecond < 1000);
+}
+
+// By the conversion alone: no test sets the clock.
+TEST(Clock, KnowsWhatNoClockShows) {
+  const struct {
+    std::uint16_t year, month, day, hour, minute, second, millisecond;
+    std::int64_t moment;
+  } rows[] = {
+      {2026, 3, 29, 1, 59, 59, 999, 1774745999}, {2026, 3, 29, 3, 0, 0, 0, 1774746000},
+      {2026, 7, 1, 0, 0, 0, 0, 1782856800},      {2024, 2, 29, 12, 0, 0, 0, 1709204400},
+      {2000, 2, 29, 12, 0, 0, 0, 951822000},     {1970, 1, 1, 0, 59, 59, 0, -1},
+      {2040, 1, 1, 1, 0, 0, 0, 2208988800},
+  };
+  const SYSTEMTIME none[] = {
+      {2026, 3, 0, 29, 2, 0, 0, 0},     {2026, 3, 0, 29, 2, 59, 59, 999}, {2026, 2, 0, 29, 0, 0, 0, 0},
+      {1900, 2, 0, 29, 0, 0, 0, 0},     {2026, 4, 0, 31, 0, 0, 0, 0},     {2026, 4, 0, 0, 0, 0, 0, 0},
+      {2026, 0, 0, 1, 0, 0, 0, 0},      {2026, 13, 0, 1, 0, 0, 0, 0},     {2026, 4, 0, 1, 24, 0, 0, 0},
+      {2026, 4, 0, 1, 0, 60, 0, 0},     {2026, 4, 0, 1, 0, 0, 60, 0},     {2026, 4, 0, 1, 0, 0, 0, 1000},
+      {1600, 12, 0, 31, 23, 59, 59, 0}, {30828, 1, 0, 1, 0, 0, 0, 0},
+  };
+  support::InChild([&] {
+    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
+    timespec moment;
+    for (const auto& [year, month, day, hour, minute, second, millisecond, expected] : rows) {
+      EXPECT_TRUE(host::posix::MomentOf({year, month, 0, day, hour, minute, second, millisecond}, moment));
+      EXPECT_TRUE(moment.tv_sec == expected && moment.tv_nsec == millisecond * 1000000) << expected;
+    }
+    for (const SYSTEMTIME& time : none) EXPECT_FALSE(host::posix::MomentOf(time, moment)) << &time - none;
+  });
+}
+
+TEST(Characters, HaveTheirClassesInAnyLocale) {
+  // How many units, how many runs of them, and their sum.
+  std::uint32_t letters[3] = {};
+  std::uint32_t digits[3] = {};
+  const auto count = [](std::uint32_t(&counts)[3], std::uint32_t unit, bool (*is)(TChar)) {
+    if (!is(static_cast<TChar>(unit))) return;
+    ++counts[0];
+    if (unit == 0 || !is(static_cast<TChar>(unit - 1))) ++counts[1];
+    counts[2] += unit;
+  };
+  for (std::uint32_t unit = 0; unit <= 0xFFFF; ++unit) {
+    count(letters, unit, host::iswalnum);
+    count(digits, unit, host::iswdigit);
+  }
+  EXPECT_EQ(std::to_array(letters), (std::array<std::uint32_t, 3>{49403, 403, 1542970260}));
+  EXPECT_EQ(std::to_array(digits), (std::array<std::uint32_t, 3>{373, 39, 4915987}));
+  constexpr TChar kLetters[] = {'0',   '9',   'A',   'Z',    'a',    'z',    0xC4,   0xE4,
+                                0x391, 0x410, 0x660, 0x3042, 0x4E00, 0xAC00, 0xFF10, 0xFF21};
+  constexpr TChar kOthers[] = {0,    '/',  ':',    '@',    '[',    '`',    '{',    '_',    ' ',
+                               0xD7, 0xF7, 0x2014, 0x3000, 0xD800, 0xDC00, 0xDFFF, 0xE000, 0xFFFD};
+  for (const TChar unit : kLetters) EXPECT_TRUE(host::iswalnum(unit)) << std::uint32_t{unit};
+  for (const TChar unit : kOthers) EXPECT_FALSE(host::iswalnum(unit)) << std::uint32_t{unit};
 }
 
 TEST(Numbers, AreHeldToTheirRange) {

@@ -221,7 +221,7 @@ TEST_F(TextFiles, AreSavedAsFarAsTheDiskTakesThem) {
     TCharVFile empty;
     TCharVFile text;
     text = units;
-    for (const rlim_t limit :
+    for (const std::size_t limit :
          {0u, 1u, 2u, 3u, 4u, 1024u, 1025u, 1026u, 1027u, 2049u, 2050u, 2051u, 2410u, 2411u, 3000u}) {
       {
         const support::FullDisk disk(limit);

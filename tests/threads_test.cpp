@@ -1,9 +1,12 @@
 #include "threads/Threads.h"
 
+#include <atomic>
 #include <csignal>
+#include <cstdio>
 #include <functional>
 #include <thread>
 
+#include "host/Host.h"
 #include "support/Files.h"
 #include "support/Halts.h"
 #include "support/Process.h"
@@ -42,6 +45,16 @@ TEST(ThreadSlots, NumbersGoUpAndGapsAreUsedWhenAllWereHandedOut) {
     EXPECT_TRUE(TlsSlotFree(7) && TlsSlotFree(3) && !TlsSlotFree(64) && !TlsSlotFree(-1));
     EXPECT_TRUE(LastOf(1) == 3 && LastOf(1) == 7 && LastOf(1) == kNoSlot);
   });
+}
+
+TEST(ThreadSlots, AnIndexOfTheHostIsNullWhenItIsGivenAgain) {
+  const std::uint32_t index = host::TlsAlloc();
+  int value = 0;
+  EXPECT_TRUE(host::TlsSetValue(index, &value) && host::TlsGetValue(index) == &value && host::TlsFree(index));
+  EXPECT_TRUE(host::TlsGetValue(index) == nullptr && !host::TlsSetValue(index, &value) && !host::TlsFree(index));
+  EXPECT_EQ(host::TlsAlloc(), index);
+  EXPECT_EQ(host::TlsGetValue(index), nullptr);
+  EXPECT_TRUE(host::TlsFree(index));
 }
 
 TEST(ThreadValues, OrderOfProcessStepsIsAsserted) {
@@ -109,8 +122,58 @@ TEST(ForeignThreadDeathTest, HaltsAndSoDoesAThreadThatEndsWithALiveFile) {
   VFile file("abc");
   EXPECT_EXIT(file.SetPos(0), aborted, "VFile, line [0-9]+:\nAssertion failure");  // on the child's only thread
   EXPECT_EXIT(OnThread([&] { file.~VFile(); }), aborted, "VFile, line");
-  testing::FLAGS_gtest_death_test_style = "threadsafe";  // a forked child runs no steps at a thread's end
   EXPECT_EXIT(OnThread([] { new VFile; }), aborted, "VFile, line [0-9]+:\nAssertion failure");
+}
+
+TEST(ThreadOfAForkedChild, ThatCameFromItsParentEndsAsItStands) {
+  OnThread([] {
+    static const VFile* file = nullptr;
+    file = new VFile("of the parent");
+    const pid_t child = fork();
+    if (child == 0) {
+      std::atexit([] { _exit(0); });  // at the end of the last thread
+      return;
+    }
+    int status = -1;
+    EXPECT_TRUE(waitpid(child, &status, 0) == child && status == 0);
+    delete file;
+  });
+}
+
+/// Ends the process while a thread works with files, and lets it go on with that behind the last step of the exit.
+void ExitAmongOthers() {
+  static std::atomic<int> rounds = 0;
+  std::thread([] {
+    pthread_attr_t detached;
+    pthread_attr_init(&detached);
+    pthread_attr_setdetachstate(&detached, PTHREAD_CREATE_DETACHED);
+    const auto countRound = [](void*) -> void* {
+      VFile("of a new thread");
+      ++rounds;
+      return nullptr;
+    };
+    for (;;) {
+      const VFile own("own");
+      const int seen = rounds;
+      pthread_t id;
+      pthread_create(&id, &detached, countRound, nullptr);
+      while (rounds == seen) std::this_thread::yield();
+    }
+  }).detach();
+  while (rounds == 0) std::this_thread::yield();
+  // Streams are flushed last of all.
+  const auto waitForOthers = [](void*, const char*, std::size_t size) {
+    for (const int seen = rounds; rounds < seen + 3;) std::this_thread::yield();
+    return static_cast<ssize_t>(size);
+  };
+  std::FILE* last = fopencookie(nullptr, "w", {nullptr, waitForOthers, nullptr, nullptr});
+  std::fputc('x', last);
+  std::exit(0);
+}
+
+TEST(ExitDeathTest, IsSilentWhileOtherThreadsWorkWithFiles) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";  // a forked child takes no steps at its exit
+  EXPECT_EXIT(ExitAmongOthers(), testing::ExitedWithCode(0), testing::Eq(""));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <list>
 #include <random>
 
+#include "host/Host.h"
 #include "support/Files.h"
 #include "support/VMemPeek.h"
 
@@ -95,6 +96,21 @@ TEST_F(SwapFileTest, LiesInTheFirstUsableDirectory) {
   EXPECT_HALT("VMem, FlushCachePtr():\nswap file creation failed", vm.Touch({1}));
   EXPECT_EQ(vm.Read(0, 1024), vm.Content(0));
   unsetenv("TMP");
+}
+
+TEST_F(SwapFileTest, TakesTheFirstNameThatNobodyHas) {
+  // The numbers of the next two seconds.
+  const std::uint32_t now = host::GetTickCount();
+  const auto nameOf = [](std::uint32_t number) { return "~vmem" + std::to_string(number % 100000) + ".tmp"; };
+  for (std::uint32_t i = 0; i < 2000; ++i) {
+    const std::filesystem::path name = Path(nameOf(now + i));
+    if (i % 2 == 0) std::filesystem::create_directory(name);
+    if (i % 2 == 1) std::filesystem::create_symlink("none", name);
+  }
+  vm.Mark({0, 1, 2, 3});
+  EXPECT_TRUE(vm.Descriptor() >= 0 && !std::filesystem::exists(Path("none")));
+  const bool inTime = host::GetTickCount() - now < 2000;
+  EXPECT_TRUE(!inTime || Narrow(vm.swapFileName).ends_with("\\" + nameOf(now + 2000))) << Narrow(vm.swapFileName);
 }
 
 TEST_F(SwapFileTest, FailuresHaltAndLoseNothing) {

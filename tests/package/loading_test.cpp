@@ -3,6 +3,8 @@
 #include <dlfcn.h>
 #include <future>
 #include <gtest/gtest.h>
+#include <malloc.h>
+#include <optional>
 #include <thread>
 
 namespace {
@@ -27,6 +29,9 @@ class Library {
   void* handle_;
 };
 
+/// Bytes of the heap that are in use.
+std::size_t HeapInUse() { return mallinfo2().uordblks; }
+
 bool IsLoaded() { return dlopen(VFILE_LIBRARY, RTLD_NOW | RTLD_NOLOAD) != nullptr; }
 
 TEST(Loading, AttachesTheLoadingThreadAloneAndComesAndGoes) {
@@ -40,6 +45,20 @@ TEST(Loading, AttachesTheLoadingThreadAloneAndComesAndGoes) {
     }).join();
   }
   EXPECT_FALSE(IsLoaded());
+}
+
+TEST(Loading, AThreadThatEndsBeforeTheLibraryLeavesNothing) {
+  const auto round = [] {
+    std::optional<Library> library;
+    std::thread([&] { library.emplace(); }).join();
+    EXPECT_TRUE(*library && !library->IsThreadInitialized());
+  };
+  // The system's own part grows in the first rounds.
+  constexpr std::size_t kRounds = 100;
+  for (std::size_t i = 0; i < kRounds; ++i) round();
+  const std::size_t before = HeapInUse();
+  for (std::size_t i = 0; i < kRounds; ++i) round();
+  EXPECT_LT(HeapInUse(), before + kRounds * 64);
 }
 
 TEST(Loading, AThreadMayOutliveTheLibrary) {

@@ -21,7 +21,8 @@ inline TString Units(const std::filesystem::path& path) {
 class InDirectory : public testing::Test {
  protected:
   InDirectory() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "vfile-test-XXXXXX").string();
+    const std::filesystem::path parent = std::filesystem::canonical(std::filesystem::temp_directory_path());
+    std::string pattern = (parent / "vfile-test-XXXXXX").string();
     directory_ = mkdtemp(pattern.data());
   }
   ~InDirectory() override { std::filesystem::remove_all(directory_); }

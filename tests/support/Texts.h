@@ -3,9 +3,9 @@
 #pragma once
 
 #include <algorithm>
-#include <cwctype>
 #include <string>
 
+#include "host/Host.h"
 #include "support/Chains.h"
 #include "tcharvfile/TCharVFile.h"
 
@@ -70,7 +70,7 @@ inline int NaiveFind(const TString& content, const TString& text, int at, bool b
   const int last = Count(content.size()) - n;
   const int step = back ? -1 : 1;
   const auto fold = [&](TChar unit) { return ignoreCase && unit >= 'a' && unit <= 'z' ? unit - 32 : unit; };
-  const auto isWord = [&](int i) { return i >= 0 && i < last + n && std::iswalnum(content[Size(i)]) != 0; };
+  const auto isWord = [&](int i) { return i >= 0 && i < last + n && host::iswalnum(content[Size(i)]); };
   for (int i = back ? std::min(at - n, last) : at; i >= 0 && i <= last; i += step) {
     if (!std::equal(text.begin(), text.end(), content.begin() + i,
                     [&](TChar a, TChar b) { return fold(a) == fold(b); })) {

@@ -278,11 +278,11 @@ class VFILE_API HFile {
   /// Creates a file of a name that nobody has, leaves it open in `file`, for writing from end to end if `seqWrite`, and gives
   /// its name: directory, prefix, a number of up to 8 digits, extension. Null stands for `GetTempDir`, "~hf" and ".tmp"; an
   /// empty `dir` is the current directory, an empty `ext` none, and its dot may be left out. Prefix and extension are cut to
-  /// 63 units.
+  /// 63 units. Nobody but its owner may read or write the file.
   ///
-  /// False, with the reason in `file.res`, if the directory does not exist or does not allow it, or the name is none for the
-  /// host or does not fit `name`; any other failure is met by the next number, 100000000 times. Halts if `file` is open, for a
-  /// null buffer and for a size of 0.
+  /// False, with the reason in `file.res`, if the name does not fit `name` or is none for the host, and for every other failure
+  /// but that of a name that somebody has: that is met by the next number, 100000000 times. Halts if `file` is open, for a null
+  /// buffer and for a size of 0.
   static bool CreateTempFile(HFile& file, TChar* name, std::uint32_t size, const TChar* prefix, const TChar* ext,
                              const TChar* dir, bool seqWrite);
 

@@ -1,5 +1,3 @@
-#include <cwctype>
-
 #include "hfile/HFile.h"
 #include "hfile/Require.h"
 #include "host/Host.h"
@@ -17,8 +15,6 @@ bool RequireBuffer(const TChar* buffer, std::uint32_t size, std::int32_t line = 
 bool RequirePart(const TChar* buffer, std::uint32_t size, std::int32_t line = __builtin_LINE()) {
   return hfile::Require((buffer != nullptr) == (size > 0), line);
 }
-
-bool IsDigit(TChar unit) { return std::iswdigit(unit) != 0; }
 
 }  // namespace
 
@@ -81,16 +77,16 @@ bool HFile::GetNextBackupExt(TChar* ext, std::uint32_t size) {
   TChar* e = *d == 0 ? d : d + 1;
   if (*c != '~') {
     *c = '~';
-    if (IsDigit(*d) || IsDigit(*e)) *d = 0;
+    if (host::iswdigit(*d) || host::iswdigit(*e)) *d = 0;
     return true;
   }
   if (*d == 0) {
     d[0] = '1';
     d[1] = 0;
-  } else if (!IsDigit(*d)) {
+  } else if (!host::iswdigit(*d)) {
     *d = '1';
-    if (IsDigit(*e)) *e = 0;
-  } else if (IsDigit(*e)) {
+    if (host::iswdigit(*e)) *e = 0;
+  } else if (host::iswdigit(*e)) {
     if (*d >= '9' && *e >= '9') return false;
     *d = static_cast<TChar>(*e < '9' ? *d : *d + 1);
     *e = static_cast<TChar>(*e < '9' ? *e + 1 : '0');

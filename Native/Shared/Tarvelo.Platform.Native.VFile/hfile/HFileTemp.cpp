@@ -7,6 +7,7 @@
 #include "hsys/NumberText.h"
 #include "hsys/Strings.h"
 #include "hsys/TempDirectory.h"
+#include "hsys/TempNumbers.h"
 
 namespace {
 
@@ -62,26 +63,22 @@ bool HFile::CreateTempFile(HFile& file, TChar* name, std::uint32_t size, const T
   AssignStr(end, kPartSize, *ext == 0 ? ext : TSTR("."));
   AppendStr(end, kPartSize, *ext == '.' ? ext + 1 : ext);
 
+  const std::uint32_t access = seqWrite ? host::GENERIC_WRITE : host::GENERIC_READ | host::GENERIC_WRITE;
+  const std::uint32_t hint = seqWrite ? host::FILE_FLAG_SEQUENTIAL_SCAN : host::FILE_FLAG_RANDOM_ACCESS;
   // Signed, so that the numbers of a host that has been up for 25 days are negative.
-  const std::int32_t base = static_cast<std::int32_t>(host::GetTickCount()) % kNumbers;
-  for (std::int32_t i = 0; i < kNumbers; ++i) {
-    if (!fits || !BuildTempName(name, size, directory, start, (base + i) % kNumbers, end)) {
+  hsys::TempNumbers numbers(static_cast<std::int32_t>(host::GetTickCount()) % kNumbers, kNumbers);
+  for (bool left = true; left;) {
+    if (!fits || !BuildTempName(name, size, directory, start, numbers.Number(), end)) {
       file.res = resIllegalName;
       return false;
     }
-    if (seqWrite ? file.CreateSeqWrite(name, false) : file.Create(name, false)) return true;
-    switch (file.res) {
-      case resNoPermission:
-      case resReadOnly:
-        if (!Exists(name)) return false;
-        break;
-      // No number helps.
-      case resIllegalPath:
-      case resIllegalName:
-        return false;
-      default:
-        break;
-    }
+    if (file.OpenWith(name, access, 0, host::CREATE_NEW, host::FILE_ATTRIBUTE_TEMPORARY | hint)) return true;
+    const bool tooLong = host::GetLastError() == host::ERROR_FILENAME_EXCED_RANGE;
+    const bool refused = file.res == resNoPermission || file.res == resReadOnly;
+    const bool taken = file.res == resAlreadyExists || (refused && Exists(name));
+    // What else fails would fail for every number.
+    if (!tooLong && !taken) return false;
+    left = tooLong ? numbers.SkipToShortest() : numbers.Step();
   }
   return false;
 }

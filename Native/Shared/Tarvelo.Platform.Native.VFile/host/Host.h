@@ -83,6 +83,7 @@ inline constexpr std::uint32_t FILE_ATTRIBUTE_READONLY = 0x1;
 inline constexpr std::uint32_t FILE_ATTRIBUTE_DIRECTORY = 0x10;
 inline constexpr std::uint32_t FILE_ATTRIBUTE_ARCHIVE = 0x20;
 inline constexpr std::uint32_t FILE_ATTRIBUTE_NORMAL = 0x80;
+inline constexpr std::uint32_t FILE_ATTRIBUTE_TEMPORARY = 0x100;
 inline constexpr std::uint32_t INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 
 inline constexpr std::uint32_t FILE_FLAG_DELETE_ON_CLOSE = 0x04000000;
@@ -90,7 +91,8 @@ inline constexpr std::uint32_t FILE_FLAG_SEQUENTIAL_SCAN = 0x08000000;
 inline constexpr std::uint32_t FILE_FLAG_RANDOM_ACCESS = 0x10000000;
 
 /// Opens or creates a file. `access` is made of the GENERIC bits, `share` of the FILE_SHARE bits, `disposition` is one of
-/// the four above, `flags` is made of an attribute, which counts for nothing here, and the FILE_FLAG bits.
+/// the four above, `flags` is made of attributes, of which FILE_ATTRIBUTE_TEMPORARY alone counts here and makes a new file private to its
+/// owner, and of the FILE_FLAG bits.
 ///
 /// An open that does not fit the sharing of one that stands, in this process or another, fails with
 /// ERROR_SHARING_VIOLATION, and a refused open leaves the file as it was: it is emptied last of all. With
@@ -234,10 +236,12 @@ inline constexpr std::uint32_t DLL_THREAD_DETACH = 3;
 /// What the loader calls, defined by the module that is being loaded: 1 for success, 0 for failure.
 /// - DLL_PROCESS_ATTACH when the module is loaded, before any static object of the program.
 /// - DLL_PROCESS_DETACH at unload or exit, on the thread that runs it, after the program's static objects are gone; not if
-///   the attach failed, since a load cannot be refused here.
+///   the attach failed, since a load cannot be refused here. If the process has other threads then, DLL_THREAD_DETACH comes
+///   in its place: nothing that they use is taken away.
 /// - DLL_THREAD_DETACH at the end of a thread that has called `NotifyThreadEnd`, after its thread-local objects are gone;
-///   not on the thread that got DLL_PROCESS_ATTACH, and not for threads that live on at unload.
-/// None of these runs in a forked child. There is no notification of a thread's start.
+///   not on the thread that runs the exit, and not for threads that live on at unload or exit.
+/// In a forked child neither detach comes, but for the end of threads that were started there. There is no notification of a
+/// thread's start.
 std::int32_t ModuleEntry(std::uint32_t reason);
 /// Asks for DLL_THREAD_DETACH at the end of the calling thread. Asking again changes nothing.
 void NotifyThreadEnd();
@@ -287,6 +291,11 @@ std::size_t WideCharToMultiByte(const TChar* units, std::size_t length, char* by
 
 /// Compares without regard to the case of ASCII letters, by unit: below, at or above 0.
 int _wcsicmp(const TChar* left, const TChar* right);
+
+/// Whether the unit is a letter or a digit, of any script and in any locale. No surrogate is.
+bool iswalnum(TChar unit);
+/// Whether the unit is a decimal digit, of any script and in any locale, or a superscript 1, 2 or 3.
+bool iswdigit(TChar unit);
 
 /// The digits of `value` in `base` 2 to 36, in lower case, into `buffer` of `size` characters, terminator included.
 /// Signed values show a minus sign in base 10 and their two's complement in others. Gives 0, or an error number with the

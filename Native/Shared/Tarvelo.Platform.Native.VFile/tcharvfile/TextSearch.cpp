@@ -1,7 +1,7 @@
 #include <algorithm>
-#include <cwctype>
 #include <string>
 
+#include "host/Host.h"
 #include "hsys/WrapAdd.h"
 #include "tcharvfile/TCharVFile.h"
 #include "tcharvfile/UnitCount.h"
@@ -15,7 +15,7 @@ using Search = vfile::SearchText<vfile::SearchedUnits>;
 
 std::size_t LengthOf(const TChar* text) { return std::char_traits<TChar>::length(text); }
 
-bool IsWordUnit(TChar unit) { return std::iswalnum(static_cast<std::wint_t>(unit)) != 0; }
+bool IsWordUnit(TChar unit) { return host::iswalnum(unit); }
 
 }  // namespace
 

@@ -14,11 +14,12 @@
 #include "hsys/Require.h"
 #include "hsys/Strings.h"
 #include "hsys/TempDirectory.h"
+#include "hsys/TempNumbers.h"
 #include "vmem/PageLayout.h"
 
 namespace {
 
-constexpr std::uint32_t kNumbers = 100000;
+constexpr std::int32_t kNumbers = 100000;
 constexpr std::int64_t kLongestFile = std::numeric_limits<std::int32_t>::max();
 
 bool Require(const TChar* proc, bool holds, const TChar* message) {
@@ -26,11 +27,17 @@ bool Require(const TChar* proc, bool holds, const TChar* message) {
 }
 
 /// Adds "~vmem<number>.tmp" to the directory in `name`; false if it does not fit.
-bool AppendFileName(TChar (&name)[hsys::kNameSize], std::uint32_t number) {
+bool AppendFileName(TChar (&name)[hsys::kNameSize], std::int32_t number) {
   AppendStr(name, hsys::kNameSize, TSTR("~vmem"));
   AppendStr(name, hsys::kNameSize, hsys::NumberText<TChar>(number, 10).text);
   AppendStr(name, hsys::kNameSize, TSTR(".tmp"));
   return std::char_traits<TChar>::length(name) + 1 < hsys::kNameSize;
+}
+
+/// Whether the error says that somebody has the name. Any other would meet every name.
+bool IsTaken(std::uint32_t error) {
+  return error == host::ERROR_FILE_EXISTS || error == host::ERROR_ALREADY_EXISTS ||
+         error == host::ERROR_SHARING_VIOLATION;
 }
 
 /// The directory with its separator.
@@ -52,17 +59,24 @@ HANDLE vmem::CreateSwapFile(TChar* name, std::uint32_t capacity, const TChar* di
   if (!valid) return INVALID_HANDLE_VALUE;
   TChar directory[hsys::kNameSize];
   ChooseDirectory(directory, dir);
-  const std::uint32_t start = host::GetTickCount() % kNumbers;
-  for (std::uint32_t i = 0; i < kNumbers; ++i) {
+  hsys::TempNumbers numbers(static_cast<std::int32_t>(host::GetTickCount() % kNumbers), kNumbers);
+  for (bool left = true; left;) {
     TChar full[hsys::kNameSize];
     AssignStr(full, hsys::kNameSize, directory);
-    if (!AppendFileName(full, (start + i) % kNumbers)) continue;
-    const HANDLE file = host::CreateFileW(
-        full, host::GENERIC_READ | host::GENERIC_WRITE, 0, host::CREATE_ALWAYS,
-        host::FILE_ATTRIBUTE_NORMAL | host::FILE_FLAG_RANDOM_ACCESS | host::FILE_FLAG_DELETE_ON_CLOSE);
-    if (file == INVALID_HANDLE_VALUE) continue;
-    AssignStr(name, capacity, full);
-    return file;
+    bool tooLong = !AppendFileName(full, numbers.Number());
+    if (!tooLong) {
+      const HANDLE file = host::CreateFileW(
+          full, host::GENERIC_READ | host::GENERIC_WRITE, 0, host::CREATE_ALWAYS,
+          host::FILE_ATTRIBUTE_NORMAL | host::FILE_FLAG_RANDOM_ACCESS | host::FILE_FLAG_DELETE_ON_CLOSE);
+      if (file != INVALID_HANDLE_VALUE) {
+        AssignStr(name, capacity, full);
+        return file;
+      }
+      const std::uint32_t error = host::GetLastError();
+      tooLong = error == host::ERROR_FILENAME_EXCED_RANGE;
+      if (!tooLong && !IsTaken(error)) break;
+    }
+    left = tooLong ? numbers.SkipToShortest() : numbers.Step();
   }
   return INVALID_HANDLE_VALUE;
 }

@@ -9,7 +9,11 @@ namespace {
 
 /// A value of the environment as units with terminator. `required` is the size it takes.
 int CopyValue(const char* value, TChar* buffer, std::size_t size, std::size_t& required) {
-  required = value == nullptr ? 0 : posix::UnitsFromNative(buffer, size, value, std::strlen(value)) + 1;
+  required = 0;
+  if (value != nullptr) {
+    const std::size_t length = std::strlen(value);
+    required = posix::UnitsFromNative(buffer, size, value, length, posix::Backslash::kSeparates) + 1;
+  }
   if (size == 0) return required == 0 ? 0 : ERANGE;
   const bool fits = required <= size;
   buffer[fits && required > 0 ? required - 1 : 0] = 0;

@@ -9,7 +9,9 @@ namespace {
 
 constexpr std::uint32_t kRawByteBase = 0xDC00;
 
-bool IsRawByte(std::uint32_t unit) { return unit >= kRawByteBase + 0x80 && unit <= kRawByteBase + 0xFF; }
+bool IsRawByte(std::uint32_t unit) {
+  return unit == kRawByteBase + '\\' || (unit >= kRawByteBase + 0x80 && unit <= kRawByteBase + 0xFF);
+}
 
 }  // namespace
 
@@ -51,14 +53,15 @@ std::string_view DirectoryOf(const char* name, char (&directory)[PATH_MAX]) {
   return last.substr(length);
 }
 
-std::size_t UnitsFromNative(TChar* units, std::size_t size, const char* bytes, std::size_t length) {
+std::size_t UnitsFromNative(TChar* units, std::size_t size, const char* bytes, std::size_t length,
+                            Backslash backslash) {
   const auto* next = reinterpret_cast<const unsigned char*>(bytes);
   std::size_t count = 0;
   while (length > 0) {
     std::uint32_t character = 0;
     bool wellFormed = false;
     std::size_t used = DecodeUtf8(next, length, character, wellFormed);
-    if (!wellFormed) {
+    if (!wellFormed || (character == '\\' && backslash == Backslash::kIsOrdinary)) {
       character = kRawByteBase + *next;
       used = 1;
     }

@@ -47,17 +47,17 @@ HANDLE Refuse(std::uint32_t error) {
 
 /// Opens or creates by the disposition and tells which it was. The last round, which creates without insisting, serves a
 /// link to a name that does not exist.
-int OpenByDisposition(const NativeName& name, int access, std::uint32_t disposition, bool& existed) {
-  constexpr mode_t kMode = 0666;
+int OpenByDisposition(const NativeName& name, int access, std::uint32_t disposition, mode_t permissions,
+                      bool& existed) {
   existed = disposition == OPEN_EXISTING;
   if (existed) return OpenOnce(name.Text(), access, 0);
-  const int created = OpenOnce(name.Text(), access | O_CREAT | O_EXCL, kMode);
+  const int created = OpenOnce(name.Text(), access | O_CREAT | O_EXCL, permissions);
   if (created >= 0 || disposition == CREATE_NEW || errno != EEXIST) return created;
   existed = true;
   const int opened = OpenOnce(name.Text(), access, 0);
   if (opened >= 0 || errno != ENOENT) return opened;
   existed = false;
-  return OpenOnce(name.Text(), access | O_CREAT, kMode);
+  return OpenOnce(name.Text(), access | O_CREAT, permissions);
 }
 
 /// A file that lives as long as its handle: made under its name, which proves that nobody else has it, and at once
@@ -86,8 +86,9 @@ HANDLE CreateFileW(const TChar* name, std::uint32_t access, std::uint32_t share,
   const int mode = !writable ? O_RDONLY : (access & GENERIC_READ) != 0 ? O_RDWR : O_WRONLY;
   if ((flags & FILE_FLAG_DELETE_ON_CLOSE) != 0) return CreateUnnamed(native, mode);
 
+  const mode_t permissions = (flags & FILE_ATTRIBUTE_TEMPORARY) != 0 ? 0600 : 0666;
   bool existed = false;
-  Descriptor file(OpenByDisposition(native, mode, disposition, existed));
+  Descriptor file(OpenByDisposition(native, mode, disposition, permissions, existed));
   if (!file.IsOpen()) return Refuse(ErrorFromErrno(errno, native));
   struct stat status;
   if (fstat(file.Get(), &status) != 0) return Refuse(ErrorFromErrno(errno));

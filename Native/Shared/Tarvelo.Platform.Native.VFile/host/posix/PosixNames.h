@@ -4,15 +4,18 @@
 
 #include <climits>
 #include <string_view>
+#include <sys/types.h>
 
 #include "host/Host.h"
 
 namespace host::posix {
 
+static_assert(sizeof(off_t) == 8, "files over 2 GiB");
+
 /// A name in the system's form, in a buffer of its own: UTF-8, separated by "/".
 ///
-/// Both separators of the interface become "/". A unit U+DC80 to U+DCFF that is no half of a pair stands for a byte that
-/// was no UTF-8 in a name that the system gave, and becomes that byte again.
+/// Both separators of the interface become "/". A unit U+DC80 to U+DCFF, or U+DC5C, that is no half of a pair stands for a
+/// byte that was no UTF-8, or a backslash, in a name that the system gave, and becomes that byte again.
 class NativeName {
  public:
   /// Converts the name; a name that has no form here leaves the reason in `Error`.
@@ -38,9 +41,16 @@ constexpr bool IsSeparator(TChar unit) { return unit == '\\' || unit == '/'; }
 /// The length of what looks like a drive at the start of a name, an ASCII letter and a colon, or 0.
 std::size_t DriveLength(const TChar* name);
 
-/// Converts `length` bytes that the system gave to units, without terminator, at most `size` of them; gives the number
-/// that the whole text takes. Bytes that are no UTF-8 become U+DC00 plus the byte.
-std::size_t UnitsFromNative(TChar* units, std::size_t size, const char* bytes, std::size_t length);
+/// What a backslash is in bytes that become a name.
+enum class Backslash {
+  kIsOrdinary,  ///< A character of the name, as the system sees it.
+  kSeparates,   ///< A separator, as in a name that the application or its user gives.
+};
+
+/// Converts `length` bytes to units, without terminator, at most `size` of them; gives the number that the whole text takes.
+/// Bytes that are no UTF-8, and the backslash of a name that the system gave, become U+DC00 plus the byte.
+std::size_t UnitsFromNative(TChar* units, std::size_t size, const char* bytes, std::size_t length,
+                            Backslash backslash = Backslash::kIsOrdinary);
 
 /// Writes the directory of the name, "." if it has none, into `directory`, and gives the last step of the name, without
 /// separators.
