@@ -117,6 +117,17 @@ TEST_F(HFiles, AShortReadOfARegularFileIsItsEnd) {
   EXPECT_EQ(file.ReadBytes(text.data(), 1), 0);
 }
 
+TEST_F(HFiles, ASizeThatCannotBeToldEmptiesNothing) {
+  constexpr off_t kLooksLikeNone = 0xFFFFFFFF;
+  ASSERT_TRUE(Open(file, 1));
+  std::filesystem::resize_file(name, kLooksLikeNone);
+  file.SetPos(5);
+  EXPECT_EQ(file.res, resNotSupported);
+  file.Truncate();
+  EXPECT_EQ(file.res, resNotSupported);
+  EXPECT_EQ(std::filesystem::file_size(name), kLooksLikeNone);
+}
+
 TEST_F(HFiles, FullDisksAreDiskFullAndKeepWhatWentIn) {
   support::InChild([this] {
     const rlimit limit = {2000, 2000};
