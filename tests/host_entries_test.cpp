@@ -140,6 +140,7 @@ TEST_F(Entries, GetAlongWithoutWhatTheSystemLacks) {
     EXPECT_EQ(Listing(), "content,old,,content,old,7");
     EXPECT_EQ(Content("moved"), "locked");
   });
+  Put("file", std::string(100000, 'x'));
   const std::string all = Listing();
   support::InChild([&] {
     ASSERT_TRUE(support::AnswerCalls({{SYS_copy_file_range, ENOSYS}, {SYS_write, 0}}));

@@ -17,11 +17,12 @@ inline TString Units(const std::filesystem::path& path) {
   return TString(text.begin(), text.end());
 }
 
-/// A fixture with a scratch directory of its own.
+/// A fixture with a scratch directory of its own, whose name is in full and without detours.
 class InDirectory : public testing::Test {
  protected:
   InDirectory() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "vfile-test-XXXXXX").string();
+    const std::filesystem::path temp = std::filesystem::canonical(std::filesystem::temp_directory_path());
+    std::string pattern = (temp / "vfile-test-XXXXXX").string();
     directory_ = mkdtemp(pattern.data());
   }
   ~InDirectory() override { std::filesystem::remove_all(directory_); }

@@ -95,7 +95,8 @@ class VFILE_API HFile {
   /// The position in bytes; 0 also where the host cannot tell it.
   std::int32_t GetPos() const;
   /// Moves to `position`, or to the end if that lies before it; never lengthens the file. A negative position is
-  /// `resCallError` and moves nothing. Clears `eof` in every case.
+  /// `resCallError` and moves nothing. Where the host cannot tell the size it fails, as does `Truncate`. Clears `eof` in
+  /// every case.
   void SetPos(std::int32_t position);
   /// Moves to `offset` bytes from the start (origin 0), the position (1) or the end (2). Any other origin is
   /// `resCallError`.
