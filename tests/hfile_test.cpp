@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <vector>
 
 #include "support/Files.h"
 #include "support/Process.h"
@@ -66,11 +67,65 @@ TEST_F(HFiles, ReadingTellsTheEndAndFailuresStand) {
   EXPECT_TRUE(file.res == resDone && !file.eof && file.Length() == 5 && file.GetPos() == 5);
   file.SetPos(-6, 2);
   EXPECT_TRUE(file.res == resCallError && file.GetPos() == 5);
-  file.Close(), file.Close();
+  file.Close();
+  file.Close();
   EXPECT_EQ(file.res, resCallError);
-  OpenTen(7);
-  file.WriteBytes("x", 1);
-  EXPECT_EQ(file.res, resNoPermission);
+}
+
+TEST_F(HFiles, EachWayToOpenAllowsWhatItIsFor) {
+  const struct {
+    std::int32_t read, readRes, writeRes, changeRes;
+  } rows[] = {{10, 0, 0, 0}, {10, 0, 0, 0}, {0, 0, 0, 0},  {0, 0, 0, 0},
+              {0, 17, 0, 0}, {0, 17, 0, 0}, {10, 0, 0, 0}, {10, 0, 17, 17}};
+  for (int way = 0; way < 8; ++way) {
+    const auto& row = rows[way];
+    Put("file", "0123456789");
+    if (way == 2 || way == 4) std::filesystem::remove(name);
+    ASSERT_TRUE(Open(file, way)) << way;
+    EXPECT_EQ(file.ReadBytes(buffer, 10), row.read) << way;
+    EXPECT_EQ(file.res, row.readRes) << way;
+    file.Reset();
+    file.WriteBytes("x", 1);
+    EXPECT_EQ(file.res, row.writeRes) << way;
+    file.Flush();
+    EXPECT_EQ(file.res, row.changeRes) << way;
+    file.Truncate();
+    EXPECT_EQ(file.res, row.changeRes) << way;
+    file.Close();
+    EXPECT_EQ(Content("file"), row.changeRes == 0 ? "x" : "0123456789") << way;
+  }
+}
+
+TEST_F(HFiles, RefusalsOfTheHostAreResults) {
+  HFile other;
+  EXPECT_FALSE(other.Open(support::Units(Directory()).c_str()));
+  EXPECT_EQ(other.res, resNoPermission);
+  support::InChild([&] {
+    const rlimit none = {0, 0};
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_FALSE(other.Lookup(name.c_str(), true));
+    EXPECT_EQ(other.res, resTooManyFiles);
+  });
+}
+
+// One call of the system gives less of this file than it is asked for, and has its end elsewhere.
+TEST_F(HFiles, AShortReadOfARegularFileIsItsEnd) {
+  std::vector<char> text(1 << 20);
+  ASSERT_TRUE(file.OpenSeqRead(TSTR("/proc/self/smaps")));
+  EXPECT_GT(file.ReadBytes(text.data(), 1 << 20), sysconf(_SC_PAGESIZE));
+  EXPECT_TRUE(file.eof);
+  EXPECT_EQ(file.ReadBytes(text.data(), 1), 0);
+}
+
+TEST_F(HFiles, ASizeThatCannotBeToldEmptiesNothing) {
+  constexpr off_t kLooksLikeNone = 0xFFFFFFFF;
+  ASSERT_TRUE(Open(file, 1));
+  std::filesystem::resize_file(name, kLooksLikeNone);
+  file.SetPos(5);
+  EXPECT_EQ(file.res, resNotSupported);
+  file.Truncate();
+  EXPECT_EQ(file.res, resNotSupported);
+  EXPECT_EQ(std::filesystem::file_size(name), kLooksLikeNone);
 }
 
 TEST_F(HFiles, FullDisksAreDiskFullAndKeepWhatWentIn) {
@@ -83,17 +138,24 @@ TEST_F(HFiles, FullDisksAreDiskFullAndKeepWhatWentIn) {
 }
 
 TEST_F(HFiles, AdoptedHandleIsOwnedAndMayBeDescriptor0) {
-  support::InChild([this] {
+  support::InChild([] {
     int ends[2];
-    ASSERT_TRUE(pipe(ends) == 0 && dup2(ends[1], 0) == 0 && close(ends[1]) == 0);
+    ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);
+    ASSERT_EQ(dup2(ends[1], 0), 0);
+    ASSERT_EQ(close(ends[1]), 0);
+    char written[4096];
     {
       HFile adopted(host::HandleFromDescriptor(0));
       for (const std::int32_t count : {0, -1, 2500}) adopted.Write('x', count);
       EXPECT_TRUE(adopted.IsOpen() && adopted.GetPos() == 0 && adopted.Length() == 0 && adopted.res == resDone);
+      EXPECT_EQ(read(ends[0], written, sizeof written), 2500);
+      // More than the pipe takes.
+      const std::vector<char> large(1 << 20);
+      adopted.WriteBytes(large.data(), 1 << 20);
+      EXPECT_EQ(adopted.res, resDiskFull);
     }
-    char written[4096];
-    EXPECT_TRUE(read(ends[0], written, sizeof written) == 2500 && read(ends[0], written, 1) == 0);
-    EXPECT_TRUE(Open(file, 2) && fcntl(0, F_GETFD) == FD_CLOEXEC && file.IsOpen());
+    while (read(ends[0], written, sizeof written) > 0) continue;
+    EXPECT_EQ(read(ends[0], written, 1), 0) << "closed";
   });
 }
 

@@ -9,6 +9,7 @@
 #include "host/Host.h"
 #include "support/Files.h"
 #include "support/Process.h"
+#include "support/SystemCalls.h"
 
 namespace {
 
@@ -18,7 +19,10 @@ namespace fs = std::filesystem;
 struct Entries : support::InDirectory {
   Entries() {
     fs::create_directory(Path("dir"));
-    Put("file", "content"), Put("old", "old"), Put("locked", "locked"), Put("dir/inner", "inner");
+    Put("file", "content");
+    Put("old", "old");
+    Put("locked", "locked");
+    Put("dir/inner", "inner");
     chmod(Path("locked").c_str(), 0444);
     fs::create_symlink("nowhere", Path("dangling"));
     fs::create_hard_link(Path("file"), Path("same"));
@@ -49,6 +53,7 @@ struct Entries : support::InDirectory {
 
   static inline thread_local std::int32_t code = -1;
   const std::string before = "content,old,locked,content,,6";
+  const std::string shared = "content,old,locked,content,,7";
 };
 
 // What does not work, and leaves all as it was: for a copy that spares the target, one that replaces it, and a move.
@@ -95,6 +100,7 @@ TEST_F(Entries, CopiesAreCompleteAndMovesKeepTheEntry) {
                 status.st_mtim.tv_nsec == 123456789);
   }
   EXPECT_TRUE(Content("old") == large && fs::is_symlink(Path("link")));
+  EXPECT_TRUE(Content("nowhere") == large && fs::is_symlink(Path("dangling")));
   // Files of the system that tell no size are copied as well.
   EXPECT_TRUE(Copy("/proc/self/status", "status", true) == 0 && Content("status").starts_with("Name:"));
   EXPECT_TRUE(Move("locked", "dir/moved") == 0 && Content("dir/moved") == "locked" && Move("dir", "other") == 0);
@@ -104,6 +110,62 @@ TEST_F(Entries, CopiesAreCompleteAndMovesKeepTheEntry) {
   EXPECT_TRUE(HFile::Rename(two.c_str(), three.c_str()) && !HFile::Rename(two.c_str(), three.c_str()));
   EXPECT_TRUE(HFile::Remove(three.c_str()) && !HFile::Remove(three.c_str()));
   EXPECT_TRUE(Delete("link") == 0 && Content("old") == large && Delete("same") == 0 && Content("file") == large);
+}
+
+TEST_F(Entries, CopiesKeepHoles) {
+  constexpr int kSize = 8 << 20;
+  const int file = open(Path("sparse").c_str(), O_WRONLY | O_CREAT, 0600);
+  ASSERT_EQ(ftruncate(file, kSize), 0);
+  ASSERT_EQ(pwrite(file, "middle", 6, kSize / 2), 6);
+  ASSERT_EQ(close(file), 0);
+  ASSERT_EQ(Copy("sparse", "new", true), 0u);
+  EXPECT_TRUE(Content("new") == Content("sparse"));
+  struct stat source;
+  struct stat copy;
+  ASSERT_TRUE(stat(Path("sparse").c_str(), &source) == 0 && stat(Path("new").c_str(), &copy) == 0);
+  EXPECT_TRUE(copy.st_blocks < kSize / 512 / 2 || source.st_blocks >= kSize / 512 / 2);
+}
+
+// What a file system or a system does not do, other calls do, or the failure is told.
+TEST_F(Entries, GetAlongWithoutWhatTheSystemLacks) {
+  support::InChild([&] {
+    ASSERT_TRUE(support::AnswerCalls({{SYS_renameat2, EINVAL}, {support::kLink, EPERM}}));
+    EXPECT_EQ(Copy("old", "file", true), 80u);
+    EXPECT_EQ(Move("old", "file"), 183u);
+    EXPECT_EQ(Move("old", "old"), 0u);
+    ASSERT_EQ(Listing(), before);
+    EXPECT_EQ(Copy("old", "new", true), 0u);
+    EXPECT_EQ(Move("dangling", "nowhere"), 0u);
+    EXPECT_EQ(Move("locked", "moved"), 0u);
+    EXPECT_EQ(Listing(), "content,old,,content,old,7");
+    EXPECT_EQ(Content("moved"), "locked");
+  });
+  Put("file", std::string(100000, 'x'));
+  const std::string all = Listing();
+  support::InChild([&] {
+    ASSERT_TRUE(support::AnswerCalls({{SYS_copy_file_range, ENOSYS}, {SYS_write, 0}}));
+    EXPECT_EQ(Copy("file", "none", true), 112u);
+    EXPECT_EQ(Copy("file", "old", false), 112u);
+  });
+  EXPECT_EQ(Listing(), all);
+}
+
+TEST_F(Entries, ACopyReplacesOnlyTheFileThatItLookedAt) {
+  ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+  for (const std::string target : {"old", "new"}) {
+    std::uint32_t error = 0;
+    const auto entries = std::distance(fs::directory_iterator(Directory()), {});
+    std::thread copier([&] { error = Copy("pipe", target, false); });
+    const int writer = open(Path("pipe").c_str(), O_WRONLY);
+    while (std::distance(fs::directory_iterator(Directory()), {}) == entries) std::this_thread::yield();
+    Put("other", "other");
+    fs::rename(Path("other"), Path(target));
+    EXPECT_EQ(write(writer, "copied", 6), 6);
+    close(writer);
+    copier.join();
+    EXPECT_EQ(error, 32u) << target;
+    EXPECT_EQ(Content(target), "other");
+  }
 }
 
 TEST_F(Entries, FailedCopiesLeaveTheTargetAsItWas) {
@@ -123,14 +185,14 @@ TEST_F(Entries, FailedCopiesLeaveTheTargetAsItWas) {
   EXPECT_TRUE(fs::is_fifo(Path("pipe")) && close(reader) == 0);
 }
 
-TEST_F(Entries, WhatIsOpenWithoutSharingIsLeftAlone) {
+TEST_F(Entries, WhatIsOpenIsLeftAlone) {
   for (const std::uint32_t share : {0u, FILE_SHARE_READ}) {
     const support::StoppedChild holder([&] {
       return CreateFileW(Name("old").c_str(), GENERIC_READ, share, OPEN_EXISTING, 0) != INVALID_HANDLE_VALUE;
     });
     EXPECT_EQ(Copy("file", "old", false), 32u);
     EXPECT_EQ(Copy("old", share == 0 ? "new" : "shared", true), share == 0 ? 32u : 0u);
-    EXPECT_TRUE(share != 0 || (Move("old", "new") == 32 && Delete("old") == 32 && Listing() == before));
+    EXPECT_TRUE(Move("old", "new") == 32 && Delete("old") == 32 && Listing() == (share == 0 ? before : shared));
   }
   EXPECT_TRUE(Content("shared") == "old" && Copy("file", "old", false) == 0 && Content("old") == "content");
 }
@@ -163,16 +225,25 @@ TEST_F(Entries, OneOfManyGetsAFreeName) {
 }
 
 TEST_F(Entries, FilesMoveToAnotherFileSystem) {
-  struct stat here, there;
+  struct stat here;
+  struct stat there;
   if (stat(Directory().c_str(), &here) != 0 || stat("/dev/shm", &there) != 0 || here.st_dev == there.st_dev)
-    GTEST_SKIP();
+    GTEST_SKIP() << "no second file system at /dev/shm";
   const std::string far = "/dev/shm/" + Directory().filename().string();
-  chmod(Path("file").c_str(), 0600);
-  EXPECT_TRUE(Move("file", far) == 0 && !fs::exists(Path("file")) && Move("old", far) == 183 &&
-              Content("old") == "old");
+  const std::string file = Path("file").string();
+  const timespec times[] = {{5, 0}, {1000000000, 123456789}};
+  const uid_t owner = geteuid() == 0 ? 65534 : geteuid();
+  ASSERT_EQ(chown(file.c_str(), owner, getegid()), 0);
+  ASSERT_EQ(chmod(file.c_str(), 04640), 0);
+  ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+  EXPECT_TRUE(Move("file", far) == 0 && !fs::exists(file) && Move("old", far) == 183 && Content("old") == "old");
+  EXPECT_EQ(stat(far.c_str(), &there), 0);
+  EXPECT_EQ(there.st_uid, owner);
+  EXPECT_EQ(there.st_mode & 07777, 04640u);
+  EXPECT_TRUE(there.st_mtim.tv_sec == times[1].tv_sec && there.st_mtim.tv_nsec == times[1].tv_nsec);
   EXPECT_TRUE(Move("dir", far + "d") == 17 && fs::exists(Path("dir/inner")) && !fs::exists(far + "d"));
-  EXPECT_TRUE(Move("dangling", far + "d") == 17 && Move(far, "back") == 0 && Content("back") == "content" &&
-              !fs::exists(far));
+  EXPECT_TRUE(Move("dangling", far + "d") == 17 && Move(far, "back") == 0 && Content("back") == "content");
+  EXPECT_FALSE(fs::exists(far));
 }
 
 }  // namespace

@@ -1,10 +1,16 @@
 #include "host/Host.h"
 
+#include <atomic>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
 
 #include "host/posix/PosixNames.h"
 #include "support/Files.h"
 #include "support/Process.h"
+#include "support/SystemCalls.h"
 
 namespace {
 
@@ -67,6 +73,69 @@ TEST_F(HostFiles, SharingHoldsBetweenProcessesAndARefusedOpenLeavesTheFile) {
     }
     EXPECT_TRUE(Open("file", GENERIC_READ, second, OPEN_EXISTING) == 0 && Content("file") == "abc");
   }
+  // What is no regular file knows no sharing.
+  ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+  for (const TString& name : {Name("pipe"), TString(TSTR("/dev/null"))}) {
+    const HANDLE first = CreateFileW(name.c_str(), kReadWrite, 0, OPEN_EXISTING, 0);
+    const HANDLE second = CreateFileW(name.c_str(), kReadWrite, 0, OPEN_EXISTING, 0);
+    EXPECT_NE(second, INVALID_HANDLE_VALUE);
+    CloseHandle(first);
+    CloseHandle(second);
+  }
+}
+
+TEST_F(HostFiles, CloseLiftsTheLockThoughAChildHoldsACopy) {
+  const HANDLE file = Opened("file", kReadWrite, 0);
+  const support::StoppedChild child([] { return true; });
+  EXPECT_TRUE(CloseHandle(file));
+  EXPECT_EQ(Open("file", kReadWrite, 0, OPEN_EXISTING), 0u);
+}
+
+// Another thread removes the file and puts others in its place. What is open is what the name leads to, and stays so.
+TEST_F(HostFiles, AnOpenFileHasItsName) {
+  Put("other", "abc");
+  const TString name = Name("file");
+  const TString other = Name("other");
+  std::atomic<bool> enough = false;
+  std::thread changer([&] {
+    while (!enough) {
+      CopyFileW(other.c_str(), name.c_str(), false);
+      DeleteFileW(name.c_str());
+    }
+  });
+  int opened = 0;
+  int astray = 0;
+  for (int i = 0; i < 40000; ++i) {
+    const std::uint32_t how = CREATE_NEW + static_cast<std::uint32_t>(i % 4);
+    const HANDLE file = Opened("file", kReadWrite, 0, how);
+    if (file == INVALID_HANDLE_VALUE) continue;
+    struct stat held;
+    struct stat named;
+    fstat(DescriptorFromHandle(file), &held);
+    const bool same = stat(Path("file").c_str(), &named) == 0 && named.st_ino == held.st_ino;
+    ++opened;
+    if (!same || (how == CREATE_ALWAYS && held.st_size != 0)) ++astray;
+    CloseHandle(file);
+  }
+  enough = true;
+  changer.join();
+  EXPECT_GT(opened, 1000);
+  EXPECT_EQ(astray, 0);
+}
+
+TEST_F(HostFiles, NoFileIsAStandardStream) {
+  support::InChild([this] {
+    close(0);
+    const HANDLE file = Opened("file", kReadWrite, 0);
+    const HANDLE unnamed = CreateFileW(Name("swap").c_str(), kReadWrite, 0, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE);
+    EXPECT_GT(DescriptorFromHandle(file), 2);
+    EXPECT_GT(DescriptorFromHandle(unnamed), 2);
+    // Where no other is left, nothing is made.
+    const rlimit three = {3, 3};
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &three), 0);
+    EXPECT_EQ(Open("new", kReadWrite, 0, CREATE_NEW), 4u);
+    EXPECT_FALSE(std::filesystem::exists(Path("new")));
+  });
 }
 
 TEST_F(HostFiles, DeleteOnCloseLeavesNothingEvenWhenKilled) {
@@ -85,6 +154,54 @@ TEST_F(HostFiles, DeleteOnCloseLeavesNothingEvenWhenKilled) {
     });
   }
   EXPECT_TRUE(!std::filesystem::exists(Path("swap")) && Content("taken") == "abc");
+  // Where names cannot be taken away again, another name is no way out.
+  support::InChild([&] {
+    ASSERT_TRUE(support::AnswerCalls({{support::kUnlink, EPERM}}));
+    EXPECT_EQ(ErrorOf(create("stays") != INVALID_HANDLE_VALUE), 5u);
+  });
+}
+
+TEST_F(HostFiles, ReadOnlyNoLongerMeansWritableForReaders) {
+  const struct {
+    mode_t locked, mask, free;
+  } rows[] = {{0444, 022, 0644}, {0444, 0, 0666}, {0440, 0, 0660}, {0404, 0, 0606}, {0400, 0, 0600}, {0, 0, 0200}};
+  const std::string path = Path("file").string();
+  Put("file", "");
+  const mode_t mask = umask(0);
+  for (const auto& row : rows) {
+    struct stat status = {};
+    umask(row.mask);
+    EXPECT_EQ(chmod(path.c_str(), row.locked), 0);
+    EXPECT_TRUE(SetFileAttributesW(Name("file").c_str(), FILE_ATTRIBUTE_NORMAL));
+    EXPECT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, row.free) << row.locked;
+  }
+  umask(mask);
+}
+
+// The name leads to one file and to the other in turn: neither gets a mode that was made of the other's.
+TEST_F(HostFiles, AttributesAreChangedWhereTheyWereRead) {
+  const int readable = open(Path("file").c_str(), O_RDONLY | O_CREAT, 0444);
+  const int secret = open(Path("secret").c_str(), O_RDONLY | O_CREAT, 0600);
+  std::atomic<bool> enough = false;
+  std::thread swapper([&] {
+    const std::string one = Path("file").string();
+    const std::string two = Path("secret").string();
+    while (!enough) renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, two.c_str(), RENAME_EXCHANGE);
+  });
+  mode_t mode = 0600;
+  for (int i = 0; i < 4000 && mode == 0600; ++i) {
+    struct stat status = {};
+    fchmod(readable, 0444);
+    SetFileAttributesW(Name("file").c_str(), FILE_ATTRIBUTE_NORMAL);
+    fstat(secret, &status);
+    mode = status.st_mode & 07777;
+  }
+  enough = true;
+  swapper.join();
+  close(readable);
+  close(secret);
+  EXPECT_EQ(mode, 0600u);
 }
 
 TEST_F(HostFiles, NamesReachEveryFileAndBadUnitsNone) {

@@ -17,7 +17,7 @@ inline TString Units(const std::filesystem::path& path) {
   return TString(text.begin(), text.end());
 }
 
-/// A fixture with a scratch directory of its own.
+/// A fixture with a scratch directory of its own, whose name is in full and without detours.
 class InDirectory : public testing::Test {
  protected:
   InDirectory() {

@@ -104,7 +104,8 @@ class VFILE_API HFile {
   /// The position in bytes; 0 also where the host cannot tell it.
   std::int32_t GetPos() const;
   /// Moves to `position`, or to the end if that lies before it; never lengthens the file. A negative position is
-  /// `resCallError` and moves nothing. Clears `eof` in every case.
+  /// `resCallError` and moves nothing. Where the host cannot tell the size it fails, as does `Truncate`. Clears `eof` in
+  /// every case.
   void SetPos(std::int32_t position);
   /// Moves to `offset` bytes from the start (origin 0), the position (1) or the end (2). Any other origin is
   /// `resCallError`.
@@ -259,11 +260,12 @@ class VFILE_API HFile {
   /// The same, without the code.
   static bool Copy(const TChar* source, const TChar* target, bool overwrite);
   /// Renames or moves a file or directory. An existing `newName` is `resAlreadyExists`, also one that came into being just
-  /// now; the own name is a success. A file moves to another file system as well, a directory does not.
+  /// now; the own name is a success. A file that is open is `resNoPermission`. A file moves to another file system as well, a
+  /// directory does not.
   static bool Rename(const TChar* oldName, const TChar* newName, std::int32_t& result);
   /// The same, without the code.
   static bool Rename(const TChar* oldName, const TChar* newName);
-  /// Removes a file. A directory, a read-only file and one that is open without sharing are `resNoPermission`.
+  /// Removes a file. A directory, a read-only file and one that is open are `resNoPermission`.
   static bool Remove(const TChar* name, std::int32_t& result);
   /// The same, without the code.
   static bool Remove(const TChar* name);

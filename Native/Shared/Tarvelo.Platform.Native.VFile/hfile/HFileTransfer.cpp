@@ -10,6 +10,15 @@ namespace {
 
 constexpr std::int32_t kChunk = 1024;
 
+/// Whether the host tells the size, or else the result. A size of 2^32-1 looks like none.
+bool TellsSize(HANDLE file, std::uint32_t& size, std::int32_t& res) {
+  host::SetLastError(host::ERROR_NOT_SUPPORTED);
+  size = host::GetFileSize(file);
+  if (size != host::INVALID_FILE_SIZE) return true;
+  res = GetFileRes();
+  return false;
+}
+
 }  // namespace
 
 std::int32_t HFile::ReadBytes(void* buffer, std::int32_t count) {
@@ -62,7 +71,10 @@ void HFile::SetPos(std::int32_t position) {
     res = resCallError;
     return;
   }
-  const std::uint32_t reached = host::SetFilePointer(handle, MinL(position, Length()), host::FILE_BEGIN);
+  // Without a size, the start would count as the end, and what is cut there would be all.
+  std::uint32_t size = 0;
+  if (!TellsSize(handle, size, res)) return;
+  const std::uint32_t reached = host::SetFilePointer(handle, MinL(position, Int(size)), host::FILE_BEGIN);
   res = reached == host::INVALID_SET_FILE_POINTER ? GetFileRes() : std::int32_t{resDone};
 }
 
@@ -94,7 +106,10 @@ std::int64_t hfile::BytesLeft(const HFile& file) { return BytesLeft(file.handle)
 void HFile::Truncate() {
   if (!IsOpen()) {
     res = resCallError;
-  } else {
+    return;
+  }
+  std::uint32_t size = 0;
+  if (TellsSize(handle, size, res)) {
     res = host::SetEndOfFile(handle) ? std::int32_t{resDone} : GetFileRes();
   }
 }

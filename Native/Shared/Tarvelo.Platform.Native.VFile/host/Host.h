@@ -95,14 +95,22 @@ inline constexpr std::uint32_t FILE_FLAG_RANDOM_ACCESS = 0x10000000;
 /// owner, and of the FILE_FLAG bits.
 ///
 /// An open that does not fit the sharing of one that stands, in this process or another, fails with
-/// ERROR_SHARING_VIOLATION, and a refused open leaves the file as it was: it is emptied last of all. With
-/// FILE_FLAG_DELETE_ON_CLOSE a file of that name must not exist yet; the new one has no name any more when the call
-/// returns, is readable by its owner alone, and lives as long as the handle.
+/// ERROR_SHARING_VIOLATION; only regular files know sharing. A refused open leaves the file as it was, since it is emptied last
+/// of all, and leaves none that it made. When the call returns, the name leads to the file that the handle holds, and the file
+/// keeps it: others can delete, move or replace it by this interface only when the handle is closed.
+///
+/// With FILE_FLAG_DELETE_ON_CLOSE a file of that name must not exist yet; the new one has no name any more when the call
+/// returns, is readable by its owner alone, and lives as long as the handle. ERROR_FILE_EXISTS says that the name is taken and
+/// another may help; any other error would be met by other names in that directory as well. ERROR_ACCESS_DENIED can mean that
+/// names can be made there and not taken away again; the empty file then stays.
+///
+/// The handle is none of the three standard streams, even where these are closed.
 ///
 /// On success the last error is ERROR_ALREADY_EXISTS where CREATE_ALWAYS or OPEN_ALWAYS took an existing file, else 0.
 HANDLE CreateFileW(const TChar* name, std::uint32_t access, std::uint32_t share, std::uint32_t disposition,
                    std::uint32_t flags);
-/// Closes the file; its locks go with it.
+/// Closes the file. Its lock is lifted at once, also where a forked child has a copy of the handle, or where the handle is a copy
+/// itself of one that the program keeps.
 bool CloseHandle(HANDLE file);
 
 // ---- Files: transfer, position, size --------------------------------------------------------------------------------
@@ -114,7 +122,7 @@ inline constexpr std::uint32_t INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
 inline constexpr std::uint32_t INVALID_FILE_SIZE = 0xFFFFFFFF;
 
 /// Reads up to `count` bytes at the file's position into `buffer` and moves the position. Fewer bytes than asked, 0 too,
-/// is no failure. `*done` is set in every case.
+/// is no failure; of a regular file it means the end. `*done` is set in every case: to what got in, also by a failure.
 bool ReadFile(HANDLE file, void* buffer, std::uint32_t count, std::uint32_t* done);
 /// Writes `count` bytes at the file's position and moves it. Goes on until all is written or the system refuses; what
 /// got out before a refusal is reported as a success with a smaller `*done`, so that the next call meets the reason.
@@ -150,19 +158,23 @@ bool FlushFileBuffers(HANDLE file);
 
 /// The attributes of a file or directory, or INVALID_FILE_ATTRIBUTES.
 std::uint32_t GetFileAttributesW(const TChar* name);
-/// Sets the attributes, of which FILE_ATTRIBUTE_READONLY alone counts. A directory cannot be made read-only.
+/// Sets the attributes, of which FILE_ATTRIBUTE_READONLY alone counts. A file that is read-only no longer can be written by its
+/// owner, and by others who may read it as the umask lets. A directory cannot be made read-only.
 bool SetFileAttributesW(const TChar* name, std::uint32_t attributes);
 /// 0 if the file can be accessed in the mode, else -1. Mode: 0 exists, 2 may be written, 4 may be read, 6 both. A
 /// directory that is to be written must also be searchable.
 int _waccess(const TChar* name, int mode);
 /// Copies a file with its attributes and the time of its last write. An existing target is ERROR_FILE_EXISTS with
-/// `failIfExists`, else replaced. A regular target appears under its name complete or not at all, and an old one stays as it
-/// was until then; others, such as devices, are written as they are.
+/// `failIfExists`, else replaced; a link leads on to its end, whether or not something is there. A regular target appears under
+/// its name complete or not at all, and an old one stays as it was until then; others, such as devices, are written as they are.
+/// Holes stay holes where the file systems can tell and make them. ERROR_SHARING_VIOLATION where the source is open without
+/// sharing, the target at all, or where another file got the target's name meanwhile.
 bool CopyFileW(const TChar* source, const TChar* target, bool failIfExists);
 /// Renames a file or directory. A name that exists is ERROR_ALREADY_EXISTS, found out in the step that renames, but the own
-/// name is a success. Between file systems files alone are moved: copied, then removed.
+/// name is a success. Between file systems files alone are moved: copied with owner, mode and time, then removed. A file that is
+/// open is ERROR_SHARING_VIOLATION.
 bool MoveFileW(const TChar* oldName, const TChar* newName);
-/// Removes a file.
+/// Removes a file. One that is open is ERROR_SHARING_VIOLATION.
 bool DeleteFileW(const TChar* name);
 
 // ---- Names ----------------------------------------------------------------------------------------------------------

@@ -1,7 +1,9 @@
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <unistd.h>
 
 #include "host/posix/Descriptor.h"
 
@@ -32,6 +34,19 @@ mode_t GetUmask() {
   return field == nullptr ? kAll : static_cast<mode_t>(std::strtoul(field + sizeof kField - 1, nullptr, 8));
 }
 
+/// The write bits of the owner and of each class that may read the file, as the umask lets.
+mode_t WriteBits(mode_t mode) {
+  const mode_t ofReaders = (mode & 0444) >> 1;
+  return S_IWUSR | (ofReaders & ~GetUmask());
+}
+
+/// Changes the mode of a file that is open for nothing but that, through the system's name of the descriptor.
+bool ChangeMode(int descriptor, mode_t mode) {
+  char name[32];
+  std::snprintf(name, sizeof name, "/proc/self/fd/%d", descriptor);
+  return chmod(name, mode & 07777) == 0;
+}
+
 }  // namespace
 
 std::uint32_t GetFileAttributesW(const TChar* name) {
@@ -48,14 +63,16 @@ std::uint32_t GetFileAttributesW(const TChar* name) {
 
 bool SetFileAttributesW(const TChar* name, std::uint32_t attributes) {
   const NativeName native(name);
+  if (native.Error() != ERROR_SUCCESS) return Fail(native.Error());
+  // Open for nothing: that takes no right on the file and reads no device. Both the look and the change go through it.
+  const posix::Descriptor file(posix::OpenOnce(native.Text(), O_PATH, 0));
   struct stat status;
-  const std::uint32_t error = GetStatus(native, status);
-  if (error != ERROR_SUCCESS) return Fail(error);
+  if (!file.IsOpen() || fstat(file.Get(), &status) != 0) return Fail(ErrorFromErrno(errno, native));
   const bool readOnly = (attributes & FILE_ATTRIBUTE_READONLY) != 0;
   if (!S_ISREG(status.st_mode)) return !readOnly || Fail(ERROR_ACCESS_DENIED);
   if (posix::IsReadOnlyFile(status) == readOnly) return true;
-  const mode_t mode = readOnly ? status.st_mode & ~mode_t{0222} : status.st_mode | S_IWUSR | (0022 & ~GetUmask());
-  return chmod(native.Text(), mode & 07777) == 0 || Fail(ErrorFromErrno(errno, native));
+  const mode_t mode = readOnly ? status.st_mode & ~mode_t{0222} : status.st_mode | WriteBits(status.st_mode);
+  return ChangeMode(file.Get(), mode) || Fail(ErrorFromErrno(errno));
 }
 
 int _waccess(const TChar* name, int mode) {

@@ -1,20 +1,26 @@
 /// @file
-/// Descriptors, and what an open file of the interface is made of: its lock and its read-only state.
+/// Descriptors, what an open file of the interface is made of (its lock, its read-only state), and whether a name leads to it.
 #pragma once
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "host/posix/PosixNames.h"
 
 namespace host::posix {
+
+/// `open`, repeated where a signal interrupted it. Never gives one of the descriptors 0 to 2, to which others write unasked;
+/// descriptors do not survive into another program.
+int OpenOnce(const char* name, int flags, mode_t mode);
+
+/// `close`, which first lifts the lock, since a forked child may hold a copy of the descriptor and keep it.
+int CloseAndUnlock(int descriptor);
 
 /// An opened descriptor that is closed again unless it is released.
 class Descriptor {
  public:
   explicit Descriptor(int value) : value_(value) {}
   ~Descriptor() {
-    if (value_ >= 0) close(value_);
+    if (value_ >= 0) CloseAndUnlock(value_);
   }
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
@@ -31,17 +37,36 @@ class Descriptor {
   int value_;
 };
 
-/// `open`, repeated where a signal interrupted it. Descriptors do not survive into another program.
-int OpenOnce(const char* name, int flags, mode_t mode);
-
-/// Takes the lock that the sharing asks for, for as long as the descriptor is open. A file system or device that has no locks
-/// grants.
-bool LockForSharing(int descriptor, std::uint32_t share);
+/// Takes the lock that the sharing asks for, for as long as the descriptor is open. What is no regular file, and a file system
+/// that has no locks, grants.
+bool LockForSharing(int descriptor, const struct stat& status, std::uint32_t share);
 
 /// Whether it is a file that none may write.
 inline bool IsReadOnlyFile(const struct stat& status) {
   return S_ISREG(status.st_mode) && (status.st_mode & 0222) == 0;
 }
+
+inline bool IsSameFile(const struct stat& a, const struct stat& b) {
+  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+/// How often an operation starts again because others changed what a name leads to. Each time somebody else got on, so that
+/// this many in a row are no accident any more; then it is refused with ERROR_SHARING_VIOLATION.
+constexpr int kRounds = 100;
+
+/// Whether the name, or what it links to, is the file.
+bool LeadsTo(const char* name, const struct stat& file);
+
+/// Whether the name itself is the file.
+bool IsNameOf(const char* name, const struct stat& file);
+
+/// Takes away a name that this process has just made for the file, unless it is the name of another by now. Gives whether the
+/// file has it no longer; otherwise `errno` tells why.
+bool TakeAwayName(const char* name, const struct stat& file);
+
+/// The name at the end of the links that begin at `name`, whether or not it exists, into `end`. Null, with the reason in
+/// `errno`, where they have no end or it does not fit.
+const char* FollowLinks(const char* name, char (&end)[PATH_MAX]);
 
 /// The error of an open or a copy onto a name that ends in a separator, `existing` where that is a directory; 0 for any other
 /// name.

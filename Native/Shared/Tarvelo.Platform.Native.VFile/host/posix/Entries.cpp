@@ -5,7 +5,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <unistd.h>
 
+#include "host/posix/Content.h"
 #include "host/posix/Descriptor.h"
 
 namespace host {
@@ -14,24 +16,28 @@ namespace {
 using posix::Descriptor;
 using posix::ErrorFromErrno;
 using posix::Fail;
+using posix::IsSameFile;
 using posix::LockForSharing;
 using posix::NativeName;
 using posix::OpenOnce;
 
-bool IsSameFile(const struct stat& a, const struct stat& b) { return a.st_dev == b.st_dev && a.st_ino == b.st_ino; }
-
-/// Opens a file to take a lock on it, whichever access is allowed. -1: it has none to take.
-int OpenToLock(const NativeName& name, const struct stat& status) {
-  if (!S_ISREG(status.st_mode)) return -1;
-  const int reader = OpenOnce(name.Text(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0);
-  return reader >= 0 ? reader : OpenOnce(name.Text(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK, 0);
+/// Renames onto a name that is made for that first, which no other name can have got meanwhile.
+bool RenameToPlaceholder(const char* from, const char* to) {
+  const Descriptor placeholder(OpenOnce(to, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600));
+  if (!placeholder.IsOpen()) return false;
+  struct stat status;
+  if (fstat(placeholder.Get(), &status) != 0) return false;
+  const bool held = LockForSharing(placeholder.Get(), status, 0);
+  errno = EWOULDBLOCK;
+  if (held && rename(from, to) == 0) return true;
+  const int error = errno;
+  posix::TakeAwayName(to, status);
+  errno = error;
+  return false;
 }
 
-/// Whether somebody has the file open without sharing.
-bool IsHeld(const Descriptor& file) { return file.IsOpen() && !LockForSharing(file.Get(), FILE_SHARE_READ); }
-
 /// `rename`, but EEXIST for a name that exists. For file systems that cannot do it in one step: a file gets its second name
-/// first; a directory could replace no more than an empty one.
+/// first, or replaces one of its own making; a directory could replace no more than an empty one.
 bool RenameToFree(const char* from, const char* to) {
   if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return true;
   if (errno != EINVAL && errno != ENOSYS) return false;
@@ -42,15 +48,16 @@ bool RenameToFree(const char* from, const char* to) {
     errno = EEXIST;
     return false;
   }
-  if (link(from, to) != 0) return false;
+  if (link(from, to) != 0) {
+    const bool noLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS || errno == EMLINK;
+    return noLinks && RenameToPlaceholder(from, to);
+  }
   if (unlink(from) == 0) return true;
   const int error = errno;
-  unlink(to);
+  posix::TakeAwayName(to, status);
   errno = error;
   return false;
 }
-
-bool RenameOver(const char* from, const char* to) { return rename(from, to) == 0; }
 
 /// Whether two names are one entry of one directory.
 bool IsSameEntry(const NativeName& a, const NativeName& b) {
@@ -60,24 +67,6 @@ bool IsSameEntry(const NativeName& a, const NativeName& b) {
   struct stat statusOfA;
   struct stat statusOfB;
   return stat(directoryOfA, &statusOfA) == 0 && stat(directoryOfB, &statusOfB) == 0 && IsSameFile(statusOfA, statusOfB);
-}
-
-/// Copies what is left of a file: by the system as far as it does that, and what it does not, for whatever reason, piece by
-/// piece.
-bool CopyContent(int source, int target) {
-  constexpr std::size_t kRange = std::size_t{1} << 30;
-  while (copy_file_range(source, nullptr, target, nullptr, kRange, 0) > 0) continue;
-  char piece[16384];
-  for (;;) {
-    std::uint32_t count = 0;
-    if (!ReadFile(HandleFromDescriptor(source), piece, sizeof piece, &count)) return false;
-    if (count == 0) return true;
-    for (std::uint32_t put = 0; put < count;) {
-      std::uint32_t done = 0;
-      if (!WriteFile(HandleFromDescriptor(target), piece + put, count - put, &done)) return false;
-      put += done;
-    }
-  }
 }
 
 /// Creates a file beside `target` and writes its name, which nobody else has, into `name`.
@@ -95,54 +84,142 @@ int CreateBeside(const char* target, char (&name)[PATH_MAX]) {
   return -1;
 }
 
-/// Makes a complete copy and then gives it its name by `giveName`. The copy has the mode, less what runs under another's name,
-/// and the time of last write; if it may, the owner of the file that it replaces.
-bool CopyToName(int source, const struct stat& status, const char* target, bool (*giveName)(const char*, const char*),
-                const struct stat* replaced = nullptr) {
+/// What a copy is made of and becomes.
+struct Copying {
+  int source;
+  const struct stat& status;
+  /// The file that the copy replaces, or null for a name that has to be free.
+  const struct stat* replaced;
+  /// Whether the copy has the owner of the source, rather than that of the file that it replaces.
+  bool moves;
+};
+
+/// Gives the copy owner, mode and time of last write. A file system without these goes without, and so does a process that may
+/// not give files away; rights to run under another's name go with the owner alone.
+void GiveAttributes(int copy, const Copying& copying) {
+  const struct stat& status = copying.status;
+  const struct stat* owner = copying.moves ? &status : copying.replaced;
+  bool owned = false;
+  if (owner != nullptr) {
+    owned = fchown(copy, owner->st_uid, owner->st_gid) == 0;
+    if (!owned) static_cast<void>(fchown(copy, static_cast<uid_t>(-1), owner->st_gid) == 0);
+  }
+  const timespec times[] = {{0, UTIME_OMIT}, status.st_mtim};
+  static_cast<void>(fchmod(copy, status.st_mode & (copying.moves && owned ? 07777 : 0777)));
+  static_cast<void>(futimens(copy, times));
+}
+
+/// Gives the complete copy its name. A name that is to be replaced has to be still that of the file that was looked at.
+bool GiveName(const char* name, const char* target, const struct stat* replaced) {
+  if (replaced == nullptr) return RenameToFree(name, target);
+  if (posix::IsNameOf(target, *replaced)) return rename(name, target) == 0;
+  errno = EWOULDBLOCK;
+  return false;
+}
+
+/// Makes a complete copy and then gives it its name. `made` becomes the status of the copy.
+bool CopyToName(const Copying& copying, const char* target, struct stat& made) {
   char name[PATH_MAX];
   Descriptor copy(CreateBeside(target, name));
   if (!copy.IsOpen()) return Fail(errno == ENOENT ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno));
-  bool done = CopyContent(source, copy.Get());
+  if (fstat(copy.Get(), &made) != 0) return Fail(ErrorFromErrno(errno));
+  bool done = posix::CopyContent(copying.source, copying.status, copy.Get());
   if (done) {
-    // A file system without these goes without.
-    const timespec times[] = {{0, UTIME_OMIT}, status.st_mtim};
-    if (replaced != nullptr) static_cast<void>(fchown(copy.Get(), replaced->st_uid, replaced->st_gid) == 0);
-    static_cast<void>(fchmod(copy.Get(), status.st_mode & 0777));
-    static_cast<void>(futimens(copy.Get(), times));
+    GiveAttributes(copy.Get(), copying);
     // A file system behind a network may tell of a full disk only now.
-    done = (close(copy.Release()) == 0 && giveName(name, target)) || Fail(ErrorFromErrno(errno));
+    done = (posix::CloseAndUnlock(copy.Release()) == 0 && GiveName(name, target, copying.replaced)) ||
+           Fail(ErrorFromErrno(errno));
   }
-  if (!done) unlink(name);
+  if (!done) posix::TakeAwayName(name, made);
   return done;
 }
 
-/// Copies onto what exists. The sharing of a file that others have open does not allow that, were it the source itself.
-bool CopyOnto(int source, const struct stat& status, const NativeName& target) {
-  const Descriptor old(OpenOnce(target.Text(), O_WRONLY, 0));
-  struct stat oldStatus;
-  if (!old.IsOpen() || fstat(old.Get(), &oldStatus) != 0) return Fail(ErrorFromErrno(errno, target));
-  if (posix::IsReadOnlyFile(oldStatus)) return Fail(ERROR_ACCESS_DENIED);
-  if (IsSameFile(status, oldStatus) || !LockForSharing(old.Get(), 0)) return Fail(ERROR_SHARING_VIOLATION);
+bool CopyToName(const Copying& copying, const char* target) {
+  struct stat made;
+  return CopyToName(copying, target, made);
+}
+
+/// Copies onto the open file `old`, which is locked and to which `target` leads.
+bool CopyOnto(int source, const struct stat& status, const NativeName& target, int old, const struct stat& oldStatus) {
   // A device takes what comes.
-  if (!S_ISREG(oldStatus.st_mode)) return CopyContent(source, old.Get());
+  if (!S_ISREG(oldStatus.st_mode)) return posix::CopyContent(source, status, old);
   char path[PATH_MAX];
   if (realpath(target.Text(), path) == nullptr) return Fail(ErrorFromErrno(errno, target));
-  return CopyToName(source, status, path, RenameOver, &oldStatus);
+  return CopyToName({source, status, &oldStatus, false}, path);
+}
+
+/// Copies to the place to which the name leads, where nothing was.
+bool CopyToEnd(int source, const struct stat& status, const NativeName& target) {
+  char end[PATH_MAX];
+  if (posix::FollowLinks(target.Text(), end) == nullptr) return Fail(ErrorFromErrno(errno, target));
+  return CopyToName({source, status, nullptr, false}, end);
+}
+
+/// Copies onto what the name leads to, or to where it leads if nothing is there. The sharing of a file that others have open does
+/// not allow that, were it the source itself.
+bool CopyOver(int source, const struct stat& status, const NativeName& target) {
+  for (int round = 0; round < posix::kRounds; ++round) {
+    const Descriptor old(OpenOnce(target.Text(), O_WRONLY, 0));
+    if (!old.IsOpen()) {
+      if (errno != ENOENT) return Fail(ErrorFromErrno(errno, target));
+      if (CopyToEnd(source, status, target)) return true;
+      if (GetLastError() != ERROR_FILE_EXISTS) return false;
+      // What came into being meanwhile is replaced, if the source can be read again.
+      if (lseek(source, 0, SEEK_SET) != 0) return Fail(ERROR_SHARING_VIOLATION);
+      continue;
+    }
+    struct stat oldStatus;
+    if (fstat(old.Get(), &oldStatus) != 0) return Fail(ErrorFromErrno(errno));
+    if (posix::IsReadOnlyFile(oldStatus)) return Fail(ERROR_ACCESS_DENIED);
+    if (IsSameFile(status, oldStatus)) return Fail(ERROR_SHARING_VIOLATION);
+    const bool locked = LockForSharing(old.Get(), oldStatus, 0);
+    if (S_ISREG(oldStatus.st_mode) && !posix::LeadsTo(target.Text(), oldStatus)) continue;
+    return locked ? CopyOnto(source, status, target, old.Get(), oldStatus) : Fail(ERROR_SHARING_VIOLATION);
+  }
+  return Fail(ERROR_SHARING_VIOLATION);
 }
 
 /// Moves a file to another file system: copies it and removes it, or leaves it alone.
-bool MoveByCopy(const NativeName& from, const NativeName& to) {
-  const Descriptor source(OpenOnce(from.Text(), O_RDONLY | O_NOFOLLOW, 0));
-  struct stat status;
-  if (!source.IsOpen() || fstat(source.Get(), &status) != 0) return Fail(ErrorFromErrno(errno, from));
-  if (!CopyToName(source.Get(), status, to.Text(), RenameToFree)) {
+bool MoveByCopy(const NativeName& from, const struct stat& status, int source, const NativeName& to) {
+  if (source < 0) return Fail(ERROR_ACCESS_DENIED);
+  struct stat made;
+  if (!CopyToName({source, status, nullptr, true}, to.Text(), made)) {
     if (GetLastError() == ERROR_FILE_EXISTS) SetLastError(ERROR_ALREADY_EXISTS);
     return false;
   }
-  if (unlink(from.Text()) == 0) return true;
-  const std::uint32_t error = ErrorFromErrno(errno, from);
-  unlink(to.Text());
+  const bool same = posix::IsNameOf(from.Text(), status);
+  if (same && unlink(from.Text()) == 0) return true;
+  const std::uint32_t error = same ? ErrorFromErrno(errno, from) : ERROR_SHARING_VIOLATION;
+  posix::TakeAwayName(to.Text(), made);
   return Fail(error);
+}
+
+/// Opens a file to take a lock on it, whichever access is allowed.
+int OpenToLock(const NativeName& name) {
+  constexpr int kAsItIs = O_NOFOLLOW | O_NONBLOCK;
+  const int reader = OpenOnce(name.Text(), O_RDONLY | kAsItIs, 0);
+  return reader >= 0 || errno != EACCES ? reader : OpenOnce(name.Text(), O_WRONLY | kAsItIs, 0);
+}
+
+/// Calls `change` with the status of what the name leads to and a descriptor of it. A regular file is locked whole then, so that
+/// nobody has it open, and the name still leads to it; one that may be neither read nor written, and what is no regular file,
+/// comes with -1.
+template <typename Change>
+bool ChangeEntry(const NativeName& name, Change change) {
+  for (int round = 0; round < posix::kRounds; ++round) {
+    struct stat status;
+    if (lstat(name.Text(), &status) != 0) return Fail(ErrorFromErrno(errno, name));
+    if (!S_ISREG(status.st_mode)) return change(status, -1);
+    const Descriptor file(OpenToLock(name));
+    if (!file.IsOpen() && errno == EACCES) return change(status, -1);
+    if (!file.IsOpen() && errno != ENOENT && errno != ELOOP) return Fail(ErrorFromErrno(errno, name));
+    if (!file.IsOpen()) continue;
+    if (fstat(file.Get(), &status) != 0) return Fail(ErrorFromErrno(errno));
+    const bool locked = LockForSharing(file.Get(), status, 0);
+    if (!posix::IsNameOf(name.Text(), status)) continue;
+    return locked ? change(status, file.Get()) : Fail(ERROR_SHARING_VIOLATION);
+  }
+  return Fail(ERROR_SHARING_VIOLATION);
 }
 
 }  // namespace
@@ -158,14 +235,13 @@ bool CopyFileW(const TChar* source, const TChar* target, bool failIfExists) {
   struct stat status;
   if (!original.IsOpen() || fstat(original.Get(), &status) != 0) return Fail(ErrorFromErrno(errno, from));
   if (S_ISDIR(status.st_mode)) return Fail(ERROR_ACCESS_DENIED);
-  if (IsHeld(original)) return Fail(ERROR_SHARING_VIOLATION);
+  if (!LockForSharing(original.Get(), status, FILE_SHARE_READ)) return Fail(ERROR_SHARING_VIOLATION);
   struct stat old;
   if (failIfExists && lstat(to.Text(), &old) == 0) return Fail(ERROR_FILE_EXISTS);
   const std::uint32_t targetEnding = posix::ErrorOfEndingSeparator(to, ERROR_ACCESS_DENIED);
   if (targetEnding != ERROR_SUCCESS) return Fail(targetEnding);
-  if (failIfExists) return CopyToName(original.Get(), status, to.Text(), RenameToFree);
-  if (stat(to.Text(), &old) == 0) return CopyOnto(original.Get(), status, to);
-  return CopyToName(original.Get(), status, to.Text(), RenameOver);
+  if (!failIfExists) return CopyOver(original.Get(), status, to);
+  return CopyToName({original.Get(), status, nullptr, false}, to.Text());
 }
 
 bool MoveFileW(const TChar* oldName, const TChar* newName) {
@@ -175,16 +251,14 @@ bool MoveFileW(const TChar* oldName, const TChar* newName) {
   if (to.Error() != ERROR_SUCCESS) return Fail(to.Error());
   const std::uint32_t sourceEnding = posix::ErrorOfEndingSeparator(from, ERROR_SUCCESS);
   if (sourceEnding != ERROR_SUCCESS) return Fail(sourceEnding);
-  struct stat status;
-  if (lstat(from.Text(), &status) != 0) return Fail(ErrorFromErrno(errno, from));
-  const std::uint32_t targetEnding = posix::ErrorOfEndingSeparator(to, ERROR_ALREADY_EXISTS);
-  if (targetEnding != ERROR_SUCCESS && !S_ISDIR(status.st_mode)) return Fail(targetEnding);
-  const Descriptor guard(OpenToLock(from, status));
-  if (IsHeld(guard)) return Fail(ERROR_SHARING_VIOLATION);
-  if (RenameToFree(from.Text(), to.Text())) return true;
-  if (errno == EEXIST) return IsSameEntry(from, to) || Fail(ERROR_ALREADY_EXISTS);
-  if (errno == EXDEV && S_ISREG(status.st_mode)) return MoveByCopy(from, to);
-  return Fail(ErrorFromErrno(errno, to));
+  return ChangeEntry(from, [&](const struct stat& status, int file) {
+    const std::uint32_t targetEnding = posix::ErrorOfEndingSeparator(to, ERROR_ALREADY_EXISTS);
+    if (targetEnding != ERROR_SUCCESS && !S_ISDIR(status.st_mode)) return Fail(targetEnding);
+    if (RenameToFree(from.Text(), to.Text())) return true;
+    if (errno == EEXIST) return IsSameEntry(from, to) || Fail(ERROR_ALREADY_EXISTS);
+    if (errno == EXDEV && S_ISREG(status.st_mode)) return MoveByCopy(from, status, file, to);
+    return Fail(ErrorFromErrno(errno, to));
+  });
 }
 
 bool DeleteFileW(const TChar* name) {
@@ -192,12 +266,10 @@ bool DeleteFileW(const TChar* name) {
   if (native.Error() != ERROR_SUCCESS) return Fail(native.Error());
   const std::uint32_t ending = posix::ErrorOfEndingSeparator(native, ERROR_ACCESS_DENIED);
   if (ending != ERROR_SUCCESS) return Fail(ending);
-  struct stat status;
-  if (lstat(native.Text(), &status) != 0) return Fail(ErrorFromErrno(errno, native));
-  if (S_ISDIR(status.st_mode) || posix::IsReadOnlyFile(status)) return Fail(ERROR_ACCESS_DENIED);
-  const Descriptor guard(OpenToLock(native, status));
-  if (IsHeld(guard)) return Fail(ERROR_SHARING_VIOLATION);
-  return unlink(native.Text()) == 0 || Fail(ErrorFromErrno(errno, native));
+  return ChangeEntry(native, [&](const struct stat& status, int) {
+    if (S_ISDIR(status.st_mode) || posix::IsReadOnlyFile(status)) return Fail(ERROR_ACCESS_DENIED);
+    return unlink(native.Text()) == 0 || Fail(ErrorFromErrno(errno, native));
+  });
 }
 
 }  // namespace host

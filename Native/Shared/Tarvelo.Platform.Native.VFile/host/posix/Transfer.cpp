@@ -27,14 +27,23 @@ bool IsWritable(int descriptor) {
 
 off_t PlaceOf(const OVERLAPPED& at) { return static_cast<off_t>(std::uint64_t{at.OffsetHigh} << 32 | at.Offset); }
 
-/// Reads by `call`, which gives what the system's call gives.
+bool IsRegular(int descriptor) {
+  struct stat status;
+  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+/// Reads by `call`, which reads what is left behind the bytes read. The system gives less than it was asked for at the end of a
+/// regular file, but also because one call has a bound; others give what they have. A failure behind bytes read is one, since
+/// a short read that succeeds means the end.
 template <typename Call>
-bool Read(int descriptor, std::uint32_t* done, Call call) {
-  ssize_t got;
+bool Read(int descriptor, std::uint32_t count, std::uint32_t* done, Call call) {
+  std::uint32_t read = 0;
+  ssize_t got = 0;
   do {
-    got = call();
-  } while (got < 0 && errno == EINTR);
-  *done = got < 0 ? 0 : static_cast<std::uint32_t>(got);
+    got = call(read);
+    if (got > 0) read += static_cast<std::uint32_t>(got);
+  } while ((got < 0 && errno == EINTR) || (got > 0 && read < count && IsRegular(descriptor)));
+  *done = read;
   return got >= 0 || Fail(TransferError(errno, descriptor));
 }
 
@@ -55,12 +64,16 @@ bool Write(int descriptor, std::uint32_t count, std::uint32_t* done, Call call) 
 
 bool ReadFile(HANDLE file, void* buffer, std::uint32_t count, std::uint32_t* done) {
   const int descriptor = DescriptorFromHandle(file);
-  return Read(descriptor, done, [&] { return read(descriptor, buffer, count); });
+  auto* bytes = static_cast<char*>(buffer);
+  return Read(descriptor, count, done, [&](std::uint32_t got) { return read(descriptor, bytes + got, count - got); });
 }
 
 bool ReadFile(HANDLE file, void* buffer, std::uint32_t count, std::uint32_t* done, const OVERLAPPED& at) {
   const int descriptor = DescriptorFromHandle(file);
-  return Read(descriptor, done, [&] { return pread(descriptor, buffer, count, PlaceOf(at)); });
+  auto* bytes = static_cast<char*>(buffer);
+  return Read(descriptor, count, done, [&](std::uint32_t got) {
+    return pread(descriptor, bytes + got, count - got, PlaceOf(at) + static_cast<off_t>(got));
+  });
 }
 
 bool WriteFile(HANDLE file, const void* buffer, std::uint32_t count, std::uint32_t* done) {

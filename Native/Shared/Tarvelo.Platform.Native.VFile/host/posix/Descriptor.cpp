@@ -1,0 +1,92 @@
+#include "host/posix/Descriptor.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace host::posix {
+namespace {
+
+constexpr int kFirstFree = STDERR_FILENO + 1;
+
+/// Gives the file a descriptor that is nobody's standard stream. -1 with the reason in `errno`, and without the file's name
+/// where this open has made it.
+int MoveUp(int low, const char* name, bool made) {
+  const int moved = fcntl(low, F_DUPFD_CLOEXEC, kFirstFree);
+  // EINVAL: the limit lies below.
+  const int error = errno == EINVAL ? EMFILE : errno;
+  struct stat status;
+  if (moved < 0 && made && fstat(low, &status) == 0) TakeAwayName(name, status);
+  close(low);
+  errno = error;
+  return moved;
+}
+
+}  // namespace
+
+int OpenOnce(const char* name, int flags, mode_t mode) {
+  int descriptor;
+  do {
+    descriptor = open(name, flags | O_CLOEXEC | O_NOCTTY, mode);
+  } while (descriptor < 0 && errno == EINTR);
+  const bool low = descriptor >= 0 && descriptor < kFirstFree;
+  return low ? MoveUp(descriptor, name, (flags & O_EXCL) != 0) : descriptor;
+}
+
+int CloseAndUnlock(int descriptor) {
+  flock(descriptor, LOCK_UN);
+  return close(descriptor);
+}
+
+bool LockForSharing(int descriptor, const struct stat& status, std::uint32_t share) {
+  if (!S_ISREG(status.st_mode)) return true;
+  const int operation = ((share & FILE_SHARE_READ) != 0 ? LOCK_SH : LOCK_EX) | LOCK_NB;
+  int result;
+  do {
+    result = flock(descriptor, operation);
+  } while (result != 0 && errno == EINTR);
+  return result == 0 || errno != EWOULDBLOCK;
+}
+
+bool LeadsTo(const char* name, const struct stat& file) {
+  struct stat found;
+  return stat(name, &found) == 0 && IsSameFile(found, file);
+}
+
+bool IsNameOf(const char* name, const struct stat& file) {
+  struct stat found;
+  return lstat(name, &found) == 0 && IsSameFile(found, file);
+}
+
+bool TakeAwayName(const char* name, const struct stat& file) {
+  return !IsNameOf(name, file) || unlink(name) == 0 || errno == ENOENT;
+}
+
+const char* FollowLinks(const char* name, char (&end)[PATH_MAX]) {
+  constexpr int kLinks = 40;
+  errno = ENAMETOOLONG;
+  if (std::strlen(name) >= sizeof end) return nullptr;
+  std::strcpy(end, name);
+  for (int i = 0; i < kLinks; ++i) {
+    char link[PATH_MAX];
+    const ssize_t length = readlink(end, link, sizeof link);
+    if (length < 0) return errno == EINVAL || errno == ENOENT ? end : nullptr;
+    char directory[PATH_MAX];
+    DirectoryOf(end, directory);
+    const std::size_t start = link[0] == '/' ? 0 : std::strlen(directory) + 1;
+    errno = ENAMETOOLONG;
+    if (start + static_cast<std::size_t>(length) >= sizeof end) return nullptr;
+    if (start > 0) {
+      std::memcpy(end, directory, start - 1);
+      end[start - 1] = '/';
+    }
+    std::memcpy(end + start, link, static_cast<std::size_t>(length));
+    end[start + static_cast<std::size_t>(length)] = '\0';
+  }
+  errno = ELOOP;
+  return nullptr;
+}
+
+}  // namespace host::posix
