@@ -73,9 +73,9 @@ void VFile::WriteByPieces(bool open, std::int32_t count, WritePiece writePiece) 
   while (count > 0) {
     unsigned char piece[BlkSize];
     const std::int32_t n = ReadBytes(piece, std::min(count, BlkSize));
-    // There is less than the length says only behind a halt that returned.
     if (n == 0) {
-      Refuse();
+      // There is less than the length says only behind a halt that returned.
+      if (res == resDone) res = resNotDone;
       return;
     }
     res = writePiece(piece, n);
