@@ -1,11 +1,12 @@
 /// @file
-/// What the fuzz targets share: a check that ends the run, hexadecimal numbers in readable inputs, a scratch directory.
+/// What the fuzz targets share: a check that throws, and so ends a target, hexadecimal numbers in readable inputs, a scratch directory.
 #pragma once
 
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 
 /// The target: runs one input. A fault ends the process.
@@ -14,9 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
 namespace fuzz {
 
 inline void Check(bool holds, int line = __builtin_LINE(), const char* file = __builtin_FILE()) {
-  if (holds) return;
-  std::fprintf(stderr, "%s:%d: the check does not hold\n", file, line);
-  std::abort();
+  if (!holds) throw std::logic_error(std::string(file) + ":" + std::to_string(line) + ": the check does not hold");
 }
 
 /// The number of `digits` hexadecimal digits at `at`, or -1.
