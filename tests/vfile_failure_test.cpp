@@ -194,7 +194,9 @@ TEST(Room, IsLookedAtBeforeItIsUsed) {
   const int regular = memfd_create("source", 0);
   ASSERT_EQ(write(regular, kNew.data(), kNew.size()), 3000);
   const HANDLE file = host::HandleFromDescriptor(regular);
-  const auto insert = [](I32 at, I32 count) { return DO(f.ReplaceBuf(at, 0, kNew.data(), count)); };
+  const auto insert = [](I32 at, I32 count) {
+    return [at, count](Peek& f) { f.ReplaceBuf(at, 0, kNew.data(), count); };
+  };
   const RoomRow rows[] = {
       {DO(f.ReplaceBuf(500, 1, "x", 1)), 0},
       {DO(f.Delete(0, MaxLen)), 0},
