@@ -59,6 +59,9 @@ void TestChange(const ChangeRow& row, Source source) {
   EXPECT_TRUE(Bytes(file) == expected && (file.first->addr == -1) == expected.empty());
   EXPECT_TRUE(file.GetPos() == at + ins && file.res == resDone && !file.eof);
   EXPECT_HALT("", file.CheckInvariants());
+  // The next change finds its place.
+  file.ReplaceBuf(at + ins, 0, "?", 1);
+  EXPECT_TRUE(Bytes(file) == expected.insert(Size(at + ins), "?"));
 }
 
 TEST(Change, JoinsAndSplitsBlocksWhereItMust) {

@@ -11,8 +11,8 @@ namespace {
 struct Writer {
   int Below(int bound) { return static_cast<int>(random() % static_cast<unsigned>(bound)); }
   std::string Place(int end) {
-    const char* special[] = {"-1", "max", "end", "0"};
-    return Below(4) == 0 ? special[Below(4)] : std::to_string(Below(end + 1));
+    const char* special[] = {"-1", "max", "end", "0", "1024", "2048"};
+    return Below(3) == 0 ? special[Below(6)] : std::to_string(Below(end + 1));
   }
   std::string Text() {
     std::string text;

@@ -142,15 +142,13 @@ void CheckBlanks(const TString& text) {
   const TString blanks = TSTR("\t\n\f\r ");
   const std::size_t first = std::min(text.find_first_not_of(blanks), text.size());
   const std::size_t end = text.find_last_not_of(blanks) + 1;
-  TString both = text;
-  TString left = text;
-  TString right = text;
-  Trim(both.data());
-  TrimLeft(left.data());
-  TrimRight(right.data());
-  Check(both.c_str() == text.substr(first, std::max(first, end) - first));
-  Check(left.c_str() == text.substr(first));
-  Check(right.c_str() == text.substr(0, end));
+  const auto trimmed = [](void (*trim)(TChar*), TString units) {
+    trim(units.data());
+    return TString(units.c_str());
+  };
+  Check(trimmed(Trim, text) == text.substr(first, std::max(first, end) - first));
+  Check(trimmed(TrimLeft, text) == text.substr(first));
+  Check(trimmed(TrimRight, text) == text.substr(0, end));
   Check(IsBlank(text.c_str()) == (first == text.size()));
 }
 
