@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint32_t kSize = 261;
 const TString kSeparators = TSTR("/\\");
 
-/// In the directory "sub", in ascending order of units.
+/// In the directory "sub", in ascending order of units. U+DCxx stands for the byte xx.
 const TString kNames[] = {TSTR("."),      TSTR(".."),     TSTR(".x"),         TSTR("B.TXT"), TSTR("[a]"),   TSTR("a"),
                           TSTR("a.b"),    TSTR("a.b.c"),  TSTR("a?b*"),       TSTR("aaab"),  TSTR("b.txt"), TSTR("c:d"),
                           TSTR("n.txt~"), TSTR("\u00E4"), TSTR("\U0001D11E"), {0xDCFF}};
@@ -27,9 +27,10 @@ const TString kNames[] = {TSTR("."),      TSTR(".."),     TSTR(".x"),         TS
 TString Directory() {
   static const fuzz::Scratch scratch;
   if (std::filesystem::create_directory("sub")) {
-    std::ofstream("sub/\xFF").flush();  // the last of the names
-    for (std::size_t i = 0; i + 1 < std::size(kNames); ++i) {
-      std::ofstream("sub" / std::filesystem::path(kNames[i])).flush();
+    for (const TString& name : kNames) {
+      const bool holdsByte = std::ranges::any_of(name, [](TChar unit) { return unit / 256 == 0xDC; });
+      const std::string bytes(name.begin(), name.end());
+      std::ofstream("sub" / (holdsByte ? std::filesystem::path(bytes) : std::filesystem::path(name))).flush();
     }
   }
   return scratch.path.u16string();
