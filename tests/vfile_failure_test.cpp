@@ -195,7 +195,7 @@ TEST(Room, IsLookedAtBeforeItIsUsed) {
   ASSERT_EQ(write(regular, kNew.data(), kNew.size()), 3000);
   const HANDLE file = host::HandleFromDescriptor(regular);
   const auto insert = [](I32 at, I32 count) {
-    return [at, count](Peek& f) { f.ReplaceBuf(at, 0, kNew.data(), count); };
+    return [at, count](Peek& target) { target.ReplaceBuf(at, 0, kNew.data(), count); };
   };
   const RoomRow rows[] = {
       {DO(f.ReplaceBuf(500, 1, "x", 1)), 0},

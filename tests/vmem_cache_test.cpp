@@ -98,7 +98,8 @@ TEST_F(SwapFileTest, LiesInTheFirstUsableDirectory) {
   unsetenv("TMP");
 }
 
-TEST_F(SwapFileTest, AFileWithoutPositionsHaltsAndLosesNothing) {
+TEST_F(SwapFileTest, FailuresHaltAndLoseNothing) {
+  // A file without positions.
   const std::string halt = "VMem, FindPage():\nseeking in swap file failed";
   Start(1);
   vm.Mark({0, 1, 2, 3});
