@@ -1,3 +1,4 @@
+#include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <random>
@@ -42,6 +43,7 @@ TEST(Model, FilesAreStringsUnderAllOperations) {
   const std::string operations = "bbbcchhppqqtttttssrrxxnweffglkdmmouu=";
   const char* given = std::getenv("VFILE_SEED");
   const auto seed = given != nullptr ? static_cast<unsigned>(std::atoll(given)) : std::random_device()();
+  std::fprintf(stderr, "VFILE_SEED=%u\n", seed);
   const support::ThrowHalts throwing;
   Writer writer{std::mt19937(seed)};
   fuzz::Machine machine;
@@ -49,7 +51,7 @@ TEST(Model, FilesAreStringsUnderAllOperations) {
     const int file = writer.Below(3);
     const std::string line = writer.Line(operations[fuzz::Size(writer.Below(fuzz::Count(operations.size())))], file,
                                          machine.pairs[file].Length());
-    EXPECT_NO_THROW(machine.Step(line)) << "VFILE_SEED=" << seed << ", step " << step << ": " << line;
+    EXPECT_NO_THROW(machine.Step(line)) << "step " << step << ": " << line;
     // A failure stands for a step or two.
     if (machine.pair->res != resDone && writer.Below(2) == 0) machine.Rewind();
   }
