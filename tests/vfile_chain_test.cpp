@@ -16,13 +16,15 @@ std::string Settings() { return support::Narrow(VFile::GetTempDir()) + std::to_s
 TEST(Life, FilesOfAThreadShareItsSpaceAndItsSettingsOutliveThem) {
   OnAnotherThread([] {
     EXPECT_TRUE(VFile::GetMaxCacheSize() == 70 && VFile::GetCacheSize() == 0 && VFile::GetTempDir() == nullptr);
-    VFile::SetMaxCacheSize(5), VFile::SetTempDir(TSTR("one"));
+    VFile::SetMaxCacheSize(5);
+    VFile::SetTempDir(TSTR("one"));
     {
-      const Chain b({1000});
-      EXPECT_EQ(Chain({1024, 9}).vm, b.vm);
+      const Chain file({1000});
+      EXPECT_EQ(Chain({1024, 9}).vm, file.vm);
       EXPECT_EQ(Settings() + std::to_string(VFile::GetCacheSize()), "one53");
-      VFile::SetMaxCacheSize(6), VFile::SetTempDir(TSTR("two"));
-      EXPECT_EQ(Bytes(b), Pattern(1000));
+      VFile::SetMaxCacheSize(6);
+      VFile::SetTempDir(TSTR("two"));
+      EXPECT_EQ(Bytes(file), Pattern(1000));
       OnAnotherThread([] { EXPECT_EQ(VFile::GetMaxCacheSize(), 70); });
     }
     VFile::ReleaseCache();
@@ -34,7 +36,8 @@ TEST(Life, BlocksAndPagesAreRecycled) {
   const VFile keepsTheThread;
   std::set<I32> pages;
   for (int round = 0; round < 2; ++round) {
-    Peek file, other("x");
+    Peek file;
+    Peek other("x");
     EXPECT_TRUE(file.first->len == 0 && file.first == file.last && (round > 0 || file.first->addr == -1));
     file.AppendBytes(Pattern(2500).data(), 2500);
     EXPECT_EQ(Bytes(file), Pattern(2500));

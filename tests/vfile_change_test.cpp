@@ -59,10 +59,16 @@ void TestChange(const ChangeRow& row, Source source) {
   EXPECT_TRUE(Bytes(file) == expected && (file.first->addr == -1) == expected.empty());
   EXPECT_TRUE(file.GetPos() == at + ins && file.res == resDone && !file.eof);
   EXPECT_HALT("", file.CheckInvariants());
+  // The next change finds its place.
+  file.ReplaceBuf(at + ins, 0, "?", 1);
+  EXPECT_TRUE(Bytes(file) == expected.insert(Size(at + ins), "?"));
 }
 
 TEST(Change, JoinsAndSplitsBlocksWhereItMust) {
-  for (const ChangeRow& row : kFromMemory) TestChange(row, kBuf), TestChange(row, kTxt);
+  for (const ChangeRow& row : kFromMemory) {
+    TestChange(row, kBuf);
+    TestChange(row, kTxt);
+  }
   for (const ChangeRow& row : kFromFile) TestChange(row, kFile);
 }
 
@@ -72,16 +78,26 @@ struct Hooked : Chain {
 
   I32 PreChange(I32 at, I32 del, I32 ins) const override {
     EXPECT_TRUE(pos == at && !eof);
-    asked = {at, del, ins}, Note("", at), Note("-", del), Note("+", ins), Note("@", length);
+    asked = {at, del, ins};
+    Note("", at);
+    Note("-", del);
+    Note("+", ins);
+    Note("@", length);
     return allowed-- > 0 ? resDone : resNetworkError;
   }
   void PostChange(I32 at, I32 del, I32 ins) override {
     EXPECT_EQ(asked, std::tuple(at, del, ins));
-    Note(">", length), log += " ", Chain::PostChange(at, del, ins);
+    Note(">", length);
+    log += " ";
+    Chain::PostChange(at, del, ins);
   }
   void PostChangeFlag(I32 flag, bool on) override { Note(FlagOn(flag) != on ? "wrong" : on ? "on" : "off", flag); }
   void Note(const char* sign, I32 number) const { log += sign + std::to_string(number); }
-  Hooked& Scanning() { return type = 1, flags = vfEolScan, *this; }
+  Hooked& Scanning() {
+    type = 1;
+    flags = vfEolScan;
+    return *this;
+  }
 
   mutable std::string log;
   mutable std::tuple<I32, I32, I32> asked;
@@ -97,32 +113,34 @@ struct Row {
 // On "0123456789" in two blocks, from position 3.
 TEST(Primitives, KeepTheirContract) {
   const HANDLE unreadable = host::HandleFromDescriptor(open("/dev/null", O_WRONLY));
-  HFile closed, failed(host::HandleFromDescriptor(open("/dev/zero", O_RDONLY))), writeOnly(unreadable);
+  HFile closed;
+  HFile writeOnly(unreadable);
+  HFile failed(host::HandleFromDescriptor(open("/dev/zero", O_RDONLY)));
   failed.res = resNetworkError;
   const VFile other("a\nbcd");
   // clang-format off
   const Row rows[] = {
       // A standing failure, before arguments, before locks.
-      {DO(f.res = resTooManyFiles, f.SetFlags(2), f.Delete(-1, 0)), resTooManyFiles},
+      {DO(f.res = resTooManyFiles; f.SetFlags(2); f.Delete(-1, 0)), resTooManyFiles},
       {DO(f.Delete(-1, 1)), resCallError}, {DO(f.ReplaceBuf(0, 5, nullptr, 1)), resCallError},
       {DO(f.ReplaceTxt(0, 0, other, -1, 1)), resCallError}, {DO(f.Insert(closed, 0)), resCallError},
       {DO(f.InsertFromFile(INVALID_HANDLE_VALUE, 0)), resCallError},
-      {DO(f.flags = vfLocked, f.ReplaceFile(0, -1, failed, 1)), resCallError},
-      {DO(f.flags = vfLocked | vfReadOnly, f.Delete(0, 1)), resContextError},
-      {DO(f.flags = vfLocked, f.SetFlags(1)), resContextError},
-      {DO(f.flags = vfReadOnly, f.Insert(failed, 1)), resReadOnly},
+      {DO(f.flags = vfLocked; f.ReplaceFile(0, -1, failed, 1)), resCallError},
+      {DO(f.flags = vfLocked | vfReadOnly; f.Delete(0, 1)), resContextError},
+      {DO(f.flags = vfLocked; f.SetFlags(1)), resContextError},
+      {DO(f.flags = vfReadOnly; f.Insert(failed, 1)), resReadOnly},
       // The source of the host, before the length of the result.
       {DO(f.InsertFromFile(Pipe(kNew).Handle(), 3001)), resNotDone},
       {DO(f.InsertFromFile(unreadable, 1)), resNoPermission}, {DO(f.Insert(writeOnly, 1)), resNoPermission},
       {DO(f.Insert(failed, MaxLen)), resNetworkError},
-      {DO(f.length = MaxLen, f.ReplaceBuf(5, 1, "xy", 2), f.length = 10), resTooLong},
-      {DO(f.length = MaxLen, Change(f, kFile, 5, 0, 3000), f.length = 10), resTooLong},
+      {DO(f.length = MaxLen; f.ReplaceBuf(5, 1, "xy", 2); f.length = 10), resTooLong},
+      {DO(f.length = MaxLen; Change(f, kFile, 5, 0, 3000); f.length = 10), resTooLong},
       // A checking build halts behind this change, as the length is a lie.
-      {DO(f.length = MaxLen, support::HaltOf([&f] { f.ReplaceBuf(3, 1, "x", 1); }), f.length = 10), resDone, 4,
+      {DO(f.length = MaxLen; support::HaltOf([&f] { f.ReplaceBuf(3, 1, "x", 1); }); f.length = 10), resDone, 4,
        "3-1+1@2147483647>2147483647 "},
       // A veto, at the position of the change.
-      {DO(f.allowed = 0, Change(f, kBuf, 5, 1, 3000)), resNetworkError, 5, "5-1+3000@10"},
-      {DO(f.allowed = 0, Change(f, kFile, 99, 1, 3000)), resNetworkError, 10, "10-0+3000@10"},
+      {DO(f.allowed = 0; Change(f, kBuf, 5, 1, 3000)), resNetworkError, 5, "5-1+3000@10"},
+      {DO(f.allowed = 0; Change(f, kFile, 99, 1, 3000)), resNetworkError, 10, "10-0+3000@10"},
       // The arguments are clamped, and a change of nothing by nothing only moves.
       {DO(f.ReplaceBuf(99, 5, "x", 1)), resDone, 11, "10-0+1@10>11 "},
       {DO(Change(f, kBuf, 8, SameLen, 4)), resDone, 12, "8-2+4@10>12 "}, {DO(f.Delete(7, 0)), resDone, 7},
@@ -131,23 +149,23 @@ TEST(Primitives, KeepTheirContract) {
       {DO(Change(f, kFile, 1, SameLen, MaxLen)), resDone, 3001, "1-9+3000@10>3001 "},
       // A repeated char is a change for each 1024 bytes; the first takes out.
       {DO(f.ReplaceCh(2, 4, 'x', 2049)), resDone, 2051, "2-4+1024@10>1030 1026-0+1024@1030>2054 2050-0+1@2054>2055 "},
-      {DO(f.allowed = 1, f.ReplaceCh(0, 0, 'x', 2000)), resNetworkError, 1024, "0-0+1024@10>1034 1024-0+976@1034"},
+      {DO(f.allowed = 1; f.ReplaceCh(0, 0, 'x', 2000)), resNetworkError, 1024, "0-0+1024@10>1034 1024-0+976@1034"},
       // The rest moves to another file, if that takes it.
       {DO(VFile t("x"); t.SetFlags(vfReadOnly); f >> t; EXPECT_TRUE(t == "x")), resReadOnly},
       {DO(VFile t("old"); f >> t; EXPECT_TRUE(t == "3456789")), resDone, 10},
       // Flags, the lowest first.
-      {DO(f.SetFlags(vfMarkModified), f.Append("x"), f.Append("y")), resDone, 12, "on3210-0+1@10>11 on811-0+1@11>12 "},
-      {DO(f.SetFlags(0x121), f.SetFlags(3)), resDone, 3, "on1on32on256on2off32off256"},
-      {DO(f.InclFlag(4), f.InclFlag(4), f.ExclFlag(8), f.SetFlag(12, false)), resDone, 3, "on4off4"},
-      {DO(f.flags = vfHasEol | 0x1F, f.ToggleFlag(~0x60), f.SetFlags(0)), resDone, 3,
+      {DO(f.SetFlags(vfMarkModified); f.Append("x"); f.Append("y")), resDone, 12, "on3210-0+1@10>11 on811-0+1@11>12 "},
+      {DO(f.SetFlags(0x121); f.SetFlags(3)), resDone, 3, "on1on32on256on2off32off256"},
+      {DO(f.InclFlag(4); f.InclFlag(4); f.ExclFlag(8); f.SetFlag(12, false)), resDone, 3, "on4off4"},
+      {DO(f.flags = vfHasEol | 0x1F; f.ToggleFlag(~0x60); f.SetFlags(0)), resDone, 3,
        "off1off2off4off8off16on128on256off128off256eol"},
       // Line ends are seen in buffers alone, before the veto.
       {DO(f.Scanning().Insert("a\n")), resDone, 5, "3-0+2@10>12 eol"},
-      {DO(f.allowed = 0, f.Scanning().Insert('\r', 9)), resNetworkError, 3, "3-0+9@10eol"},
+      {DO(f.allowed = 0; f.Scanning().Insert('\r', 9)), resNetworkError, 3, "3-0+9@10eol"},
       {DO(f.Scanning().Insert(other, 0, 2)), resDone, 5, "3-0+2@10>12 "},
-      {DO(f.Scanning().type = 0, f.Insert("\n")), resDone, 4, "3-0+1@10>11 "},
-      {DO(f.Scanning().flags = 0, f.Insert("\n")), resDone, 4, "3-0+1@10>11 "},
-      {DO(f.Scanning().InclFlag(vfNoEolScan), f.Insert("\n")), resDone, 4, "on1283-0+1@10>11 "}};
+      {DO(f.Scanning().type = 0; f.Insert("\n")), resDone, 4, "3-0+1@10>11 "},
+      {DO(f.Scanning().flags = 0; f.Insert("\n")), resDone, 4, "3-0+1@10>11 "},
+      {DO(f.Scanning().InclFlag(vfNoEolScan); f.Insert("\n")), resDone, 4, "on1283-0+1@10>11 "}};
   // clang-format on
   for (const auto& [change, res, pos, log] : rows) {
     SCOPED_TRACE(log + " " + std::to_string(res));
@@ -159,7 +177,8 @@ TEST(Primitives, KeepTheirContract) {
     EXPECT_TRUE(file.GetPos() == pos && file.res == res) << file.GetPos() << " " << file.res;
     EXPECT_HALT("", file.CheckInvariants());
     if (res == resDone || log.find('>') != std::string::npos) continue;
-    file.flags = 0, file.Append("x");
+    file.flags = 0;
+    file.Append("x");
     EXPECT_TRUE(file.res == res && Bytes(file) == "0123456789" && Lens(file) == (Lengths{4, 6})) << Bytes(file);
   }
 }
@@ -184,7 +203,8 @@ TEST(Heap, AFailureAnywhereLeavesTheFileAsItWas) {
       for (int k = 1, failed = true; failed; ++k) {
         SCOPED_TRACE(testing::Message() << failures << ", allocation " << k << ", cached " << cached);
         Chain file({1024, 500});
-        file.Flush(), file.Reset();
+        file.Flush();
+        file.Reset();
         const std::string halted = WithFailing(k, [&, run = change] { run(file); });
         failed = support::FailingHeap::HasFailed();
         EXPECT_TRUE(cached || failed == (k <= failures));
@@ -213,7 +233,8 @@ TEST(Heap, AThreadsFirstFileIsMadeWholeOrNotAtAll) {
 
 TEST(Heap, ReadsAndSearchesDoWithoutTheBuffer) {
   Chain file({1000, 30});
-  file.Flush(), file.Reset();
+  file.Flush();
+  file.Reset();
   const support::FailingHeap failing(1);
   std::string read;
   unsigned char byte;

@@ -22,7 +22,8 @@ struct AllocatorModel {
   std::int32_t Take(std::int32_t len) {
     auto block = len % 1024 == 0 ? Newest(kPages) : blocks.end();
     if (block == blocks.end() && len == 0) {
-      const std::int32_t start = end, page = (end + (end % 1024 > 1020 ? 2047 : 1023)) / 1024 * 1024;
+      const std::int32_t start = end;
+      const std::int32_t page = (end + (end % 1024 > 1020 ? 2047 : 1023)) / 1024 * 1024;
       end = page + 1024;
       if (page > start) Free(start, page - start, false);
       return page;
@@ -48,7 +49,11 @@ struct AllocatorModel {
     std::int32_t list = makeClass || len < 6 ? len : kGeneral;
     if (len == 1024 && addr % 1024 == 0) list = kPages;
     if (list > 0 && std::count(classes.begin(), classes.end(), list) == 0) {
-      classes.size() < 17 ? classes.push_back(list) : void(list = kGeneral);
+      if (classes.size() < 17) {
+        classes.push_back(list);
+      } else {
+        list = kGeneral;
+      }
     }
     blocks.insert(blocks.begin(), {list, addr, len});
   }
@@ -76,9 +81,12 @@ TEST(AllocatorTest, GivesWhatTheModelGives) {
   for (int step = 0; step < 2400 && !HasFailure(); ++step) {
     // The space grows and shrinks by turns.
     if (live.empty() || below(100) < (step / 200 % 2 == 0 ? 60 : 40)) {
-      const int gap = below(2) > 0 ? below(5) : 20 + below(2) * 10, rest = 1024 - model.end % 1024;
-      const int sizes[] = {0, 1024, 1 + below(9), 1 + below(40), std::max(1, rest - gap), std::max(1, rest - gap)};
-      const std::int32_t len = sizes[below(6)], used = len == 0 ? 1024 : std::max(len, 4), addr = vm.Take(len);
+      const int gap = below(2) > 0 ? below(5) : 20 + below(2) * 10;
+      const int toGap = std::max(1, 1024 - model.end % 1024 - gap);
+      const int sizes[] = {0, 1024, 1 + below(9), 1 + below(40), toGap, toGap};
+      const std::int32_t len = sizes[below(6)];
+      const std::int32_t used = len == 0 ? 1024 : std::max(len, 4);
+      const std::int32_t addr = vm.Take(len);
       EXPECT_EQ(addr, model.Take(len == 0 ? 0 : used)) << step << ' ' << len;
       vm.Write(addr, Pattern(used, static_cast<std::uint32_t>(addr)));
       live.emplace_back(addr, used);

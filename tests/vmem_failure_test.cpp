@@ -30,8 +30,7 @@ struct Space : Peek {
   /// Frees the block of that number, whose address then is -1.
   void Drop(std::size_t number) { Dealloc(blocks[number].addr, static_cast<std::int16_t>(blocks[number].len)); }
   void Add(std::int32_t len) {
-    Block block{-7, len == 0 ? 1024 : len};
-    len != 0 ? Alloc(block.addr, static_cast<std::int16_t>(len)) : AllocPage(block.addr);
+    const Block block{Take(len), len == 0 ? 1024 : len};
     if (block.addr == -7) return;
     blocks.push_back(block);
     Fill(block);

@@ -1,11 +1,12 @@
 /// @file
-/// What the fuzz targets share: a check that ends the run, hexadecimal numbers in readable inputs, a scratch directory.
+/// What the fuzz targets share: a check that throws, and so ends a target, escapes in readable inputs, a scratch directory.
 #pragma once
 
 #include <charconv>
-#include <cstdio>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 
 /// The target: runs one input. A fault ends the process.
@@ -14,17 +15,24 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
 namespace fuzz {
 
 inline void Check(bool holds, int line = __builtin_LINE(), const char* file = __builtin_FILE()) {
-  if (holds) return;
-  std::fprintf(stderr, "%s:%d: the check does not hold\n", file, line);
-  std::abort();
+  if (!holds) throw std::logic_error(std::string(file) + ":" + std::to_string(line) + ": the check does not hold");
 }
 
-/// The number of `digits` hexadecimal digits at `at`, or -1.
-inline int HexAt(const std::string& text, std::size_t at, std::size_t digits) {
-  int value = -1;
-  if (text.size() < at + digits) return -1;
-  const char* end = text.data() + at + digits;
-  return std::from_chars(text.data() + at, end, value, 16).ptr == end && value >= 0 ? value : -1;
+/// The bytes of a text as units; `escape` with so many hexadecimal digits stands for one.
+inline std::u16string Unescaped(const std::string& text, char escape, std::size_t digits) {
+  std::u16string units;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const char* number = text.data() + at + 1;
+    std::uint16_t unit = 0;
+    if (text[at] == escape && text.size() - at > digits &&
+        std::from_chars(number, number + digits, unit, 16).ptr == number + digits) {
+      at += digits;
+    } else {
+      unit = static_cast<unsigned char>(text[at]);
+    }
+    units += static_cast<char16_t>(unit);
+  }
+  return units;
 }
 
 /// Where files are made. Becomes the current directory.

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <fstream>
 #include <sstream>
-#include <vector>
 
 #include "fuzz/Fuzz.h"
 #include "hfile/HFile.h"
@@ -19,7 +18,7 @@ namespace {
 constexpr std::uint32_t kSize = 261;
 const TString kSeparators = TSTR("/\\");
 
-/// In the directory "sub", in ascending order of units.
+/// In the directory "sub", in ascending order of units. U+DCxx stands for the byte xx.
 const TString kNames[] = {TSTR("."),      TSTR(".."),     TSTR(".x"),         TSTR("B.TXT"), TSTR("[a]"),   TSTR("a"),
                           TSTR("a.b"),    TSTR("a.b.c"),  TSTR("a?b*"),       TSTR("aaab"),  TSTR("b.txt"), TSTR("c:d"),
                           TSTR("n.txt~"), TSTR("\u00E4"), TSTR("\U0001D11E"), {0xDCFF}};
@@ -28,9 +27,10 @@ const TString kNames[] = {TSTR("."),      TSTR(".."),     TSTR(".x"),         TS
 TString Directory() {
   static const fuzz::Scratch scratch;
   if (std::filesystem::create_directory("sub")) {
-    std::ofstream("sub/\xFF").flush();  // the last of the names
-    for (std::size_t i = 0; i + 1 < std::size(kNames); ++i) {
-      std::ofstream("sub" / std::filesystem::path(kNames[i])).flush();
+    for (const TString& name : kNames) {
+      const bool holdsByte = std::ranges::any_of(name, [](TChar unit) { return unit / 256 == 0xDC; });
+      const std::string bytes(name.begin(), name.end());
+      std::ofstream("sub" / (holdsByte ? std::filesystem::path(bytes) : std::filesystem::path(name))).flush();
     }
   }
   return scratch.path.u16string();
@@ -109,17 +109,33 @@ void CheckPattern(const TString& line) {
   Check(!found && *got == 0 && dir.Count() == count);
 }
 
-/// The series ends, and changes the extension at each step but the last.
+/// The next of a series of backups; the last one gives itself.
+TString NextBackup(const TString& ext) {
+  const std::size_t tilde = ext.starts_with('.') ? 1 : 0;
+  const auto digit = [&](std::size_t at) {
+    return at < ext.size() && ext[at] >= '0' && ext[at] <= '9' ? ext[at] - '0' : -1;
+  };
+  const int first = digit(tilde + 1);
+  const int second = digit(tilde + 2);
+  const TString begin = ext.substr(0, tilde) + TSTR("~");
+  if (ext.size() == tilde) return TSTR(".~");
+  if (ext[tilde] != '~') return begin + (first < 0 && second < 0 ? ext.substr(tilde + 1) : TString());
+  if (first < 0 && second >= 0) return begin + TSTR("1");
+  if (first == 9 && second == 9) return ext;
+  const int next = second < 0 ? std::max(first, 0) + 1 : first * 10 + second + 1;
+  const std::string number = std::to_string(next);
+  const TString digits = (second >= 0 && next < 10 ? TSTR("0") : TString()) + TString(number.begin(), number.end());
+  return begin + digits + ext.substr(std::min(tilde + 1 + digits.size(), ext.size()));
+}
+
 void CheckBackups(const TString& path) {
   TString ext = path.substr(std::min(path.find_last_of('.'), path.size()));
-  for (int step = 0;; ++step) {
-    Check(step < 120);
-    std::vector<TChar> buffer(ext.begin(), ext.end());
-    buffer.resize(ext.size() + 3);
-    const bool more = HFile::GetNextBackupExt(buffer.data(), static_cast<std::uint32_t>(buffer.size()));
-    Check(more == (ext != buffer.data()));
-    if (!more) return;
-    ext = buffer.data();
+  for (bool more = true; more;) {
+    TString buffer = ext + TString(3, 0);
+    more = HFile::GetNextBackupExt(buffer.data(), static_cast<std::uint32_t>(buffer.size()));
+    const TString next = NextBackup(ext);
+    Check(buffer.c_str() == next && more == (next != ext));
+    ext = next;
   }
 }
 
@@ -127,15 +143,13 @@ void CheckBlanks(const TString& text) {
   const TString blanks = TSTR("\t\n\f\r ");
   const std::size_t first = std::min(text.find_first_not_of(blanks), text.size());
   const std::size_t end = text.find_last_not_of(blanks) + 1;
-  TString both = text;
-  TString left = text;
-  TString right = text;
-  Trim(both.data());
-  TrimLeft(left.data());
-  TrimRight(right.data());
-  Check(both.c_str() == text.substr(first, std::max(first, end) - first));
-  Check(left.c_str() == text.substr(first));
-  Check(right.c_str() == text.substr(0, end));
+  const auto trimmed = [](void (*trim)(TChar*), TString units) {
+    trim(units.data());
+    return TString(units.c_str());
+  };
+  Check(trimmed(Trim, text) == text.substr(first, std::max(first, end) - first));
+  Check(trimmed(TrimLeft, text) == text.substr(first));
+  Check(trimmed(TrimRight, text) == text.substr(0, end));
   Check(IsBlank(text.c_str()) == (first == text.size()));
 }
 
@@ -157,12 +171,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   std::istringstream lines(std::string(reinterpret_cast<const char*>(data), size));
   TString last;
   for (std::string line; std::getline(lines, line);) {
-    TString name;
-    for (std::size_t at = 0; at < line.size(); ++at) {
-      const int unit = line[at] == '%' ? fuzz::HexAt(line, at + 1, 4) : -1;
-      name += unit < 0 ? static_cast<unsigned char>(line[at]) : static_cast<TChar>(unit);
-      at += unit < 0 ? 0 : 4;
-    }
+    TString name = fuzz::Unescaped(line, '%', 4);
     std::erase(name, TChar{0});
     CheckParts(name, kSize);
     CheckParts(name, static_cast<std::uint32_t>(1 + size % 8));

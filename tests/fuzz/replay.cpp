@@ -1,5 +1,6 @@
 // Runs a fuzz target over the files of a directory, without a fuzzer.
 
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 

@@ -124,12 +124,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   unsigned form = 0;
   unsigned withMark = 0;
   std::istringstream(input) >> letters >> form >> withMark;
-  std::string bytes(letters % 3000, 'a');
-  for (std::size_t at = input.find('\n'); at < input.size() && ++at < input.size();) {
-    const int byte = input[at] == '\\' ? fuzz::HexAt(input, at + 1, 2) : -1;
-    bytes += byte < 0 ? input[at] : static_cast<char>(byte);
-    at += byte < 0 ? 0 : 2;
-  }
+  const std::u16string rest = fuzz::Unescaped(input.substr(std::min(input.find('\n'), input.size() - 1) + 1), '\\', 2);
+  const std::string bytes = std::string(letters % 3000, 'a') + std::string(rest.begin(), rest.end());
   for (const std::string& mark : kMarks) CheckForm(mark + bytes, form % 4, withMark != 0);
   return 0;
 }

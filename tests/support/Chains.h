@@ -44,7 +44,8 @@ inline std::string Bytes(const Peek& file, Lengths* lens = nullptr) {
 
 inline Lengths Lens(const Peek& file) {
   Lengths lens;
-  return Bytes(file, &lens), lens;
+  Bytes(file, &lens);
+  return lens;
 }
 
 /// `count` bytes from place `from` of a text in which a byte tells its place.

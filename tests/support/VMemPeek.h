@@ -17,7 +17,10 @@ using Addresses = std::vector<std::int32_t>;
 /// Bytes that no shift by less than their count maps onto themselves.
 inline std::string Pattern(std::int32_t count, std::uint32_t seed = 1) {
   std::string bytes;
-  for (; count > 0; --count) bytes += static_cast<char>((seed = seed * 1103515245 + 12345) >> 16);
+  for (; count > 0; --count) {
+    seed = seed * 1103515245 + 12345;
+    bytes += static_cast<char>(seed >> 16);
+  }
   return bytes;
 }
 
@@ -34,10 +37,14 @@ struct Peek : VMem {
     return std::tuple(Rule(), cacheHead, cacheCount, maxAddress, swapFile, freeHead[0], freePageHead);
   }
   int Descriptor() const { return host::DescriptorFromHandle(swapFile); }
-  /// A new block of `len` bytes; 0 stands for a page.
+  /// A new block of `len` bytes, 0 for a page; -7 if it was refused.
   std::int32_t Take(std::int32_t len) {
     std::int32_t addr = -7;
-    len != 0 ? Alloc(addr, static_cast<std::int16_t>(len)) : AllocPage(addr);
+    if (len != 0) {
+      Alloc(addr, static_cast<std::int16_t>(len));
+    } else {
+      AllocPage(addr);
+    }
     return addr;
   }
   void Free(std::int32_t addr, std::int32_t len) {
