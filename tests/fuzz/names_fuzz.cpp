@@ -19,9 +19,10 @@ constexpr std::uint32_t kSize = 261;
 const TString kSeparators = TSTR("/\\");
 
 /// In the directory "sub", in ascending order of units. U+DCxx stands for the byte xx.
-const TString kNames[] = {TSTR("."),      TSTR(".."),     TSTR(".x"),         TSTR("B.TXT"), TSTR("[a]"),   TSTR("a"),
-                          TSTR("a.b"),    TSTR("a.b.c"),  TSTR("a?b*"),       TSTR("aaab"),  TSTR("b.txt"), TSTR("c:d"),
-                          TSTR("n.txt~"), TSTR("\u00E4"), TSTR("\U0001D11E"), {0xDCFF}};
+const TString kNames[] = {
+    TSTR("."),      TSTR(".."),         TSTR(".x"),   TSTR("B.TXT"),        TSTR("[a]"),   TSTR("a"),   TSTR("a.b"),
+    TSTR("a.b.c"),  TSTR("a?b*"),       TSTR("aaab"), {0x61, 0xDC5C, 0x62}, TSTR("b.txt"), TSTR("c:d"), TSTR("n.txt~"),
+    TSTR("\u00E4"), TSTR("\U0001D11E"), {0xDCFF}};
 
 /// The full name of the directory, in which all else happens.
 TString Directory() {
