@@ -246,7 +246,8 @@ class VFILE_API HFile {
   /// The forms with `result` tell the outcome there as well: `resDone`, or the host's error as a code.
   /// @{
 
-  /// Whether there is a file or directory of that name. Halts for a null name.
+  /// Whether there is a file or directory of that name; false for one whose full name has more than 260 units. Halts for a null
+  /// name.
   static bool Exists(const TChar* name);
   /// Whether it is a read-only file. False for a name that the host cannot find.
   static bool IsReadOnly(const TChar* name);

@@ -2,6 +2,10 @@
 /// The mark of the documented interface: what carries it is exported from the shared library, all else is hidden.
 #pragma once
 
+#if defined(_MSVC_LANG) ? _MSVC_LANG < 202002L : __cplusplus < 202002L
+#error "This library needs C++20: compile with -std=c++20 or what your compiler has for it."
+#endif
+
 /// A declaration that does not compile where it is called with a constant of which the condition holds. Other calls do not see
 /// it, and other compilers leave such a constant to their own warnings.
 #if defined(__clang__)

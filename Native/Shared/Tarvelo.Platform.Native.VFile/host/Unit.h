@@ -35,9 +35,11 @@ concept NoNumber = std::same_as<Type, bool> || std::same_as<Type, wchar_t> || st
     std::same_as<Type, char16_t> || std::same_as<Type, char32_t>;
 
 /// A type of characters. A pointer to one is a text or a buffer, and would pass for a handle.
+// clang-format off
 template <typename Type>
-concept Character = std::same_as < std::remove_cv_t<Type>,
-char > || std::same_as<std::remove_cv_t<Type>, signed char> || std::same_as<std::remove_cv_t<Type>, unsigned char> ||
+concept Character = std::same_as<std::remove_cv_t<Type>, char> || std::same_as<std::remove_cv_t<Type>, signed char> ||
+    std::same_as<std::remove_cv_t<Type>, unsigned char> ||
     (NoNumber<std::remove_cv_t<Type>> && !std::same_as<std::remove_cv_t<Type>, bool>);
+// clang-format on
 
 }  // namespace host

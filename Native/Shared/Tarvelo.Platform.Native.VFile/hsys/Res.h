@@ -34,7 +34,7 @@ enum Res : std::int32_t {
   resUnknownPath = 13,
   resNotFound = 14,
   resDiskFull = 15,
-  resTooLong = 16,  ///< the result would pass 2^31-1 bytes
+  resTooLong = 16,  ///< the result would pass 2^31-1 bytes, or the thread's space has no room for it
   resNoPermission = 17,
   resNotSupported = 18,
   resNotImplemented = 19,
