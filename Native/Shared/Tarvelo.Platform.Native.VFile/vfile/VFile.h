@@ -43,10 +43,9 @@
 /// Sections of the class, each in the file of its name: life and settings (VFile.cpp), position (Position.cpp), reading
 /// (Reading.cpp), the five primitives of change (Replace.cpp), editing (Editing.cpp), operators (Operators.cpp), flags and
 /// hooks (Flags.cpp), search (Search.cpp), lines (Lines.cpp), transfer (Transfer.cpp); the relational operators stand in
-/// vfile/Comparison.h. Inside: the chain (Chain.cpp), the walk (Walk.cpp), its index
-/// (PositionIndex.cpp), the
-/// scratch buffer (Scratch.cpp), the engine of change (Change.cpp), const reading (ConstReading.cpp), the values of the
-/// thread (ThreadValues.cpp).
+/// vfile/Comparison.h. Inside: the chain (Chain.cpp), the walk (Walk.cpp) and its index (PositionIndex.cpp), the scratch buffer
+/// (Scratch.cpp), the engine of change (Change.cpp), const reading (ConstReading.cpp), the values of the thread
+/// (ThreadValues.cpp).
 #pragma once
 
 #include <climits>
