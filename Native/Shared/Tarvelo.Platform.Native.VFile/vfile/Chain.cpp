@@ -2,6 +2,7 @@
 
 #include "vfile/BlkPool.h"
 #include "vfile/NewChain.h"
+#include "vfile/PositionIndex.h"
 #include "vfile/Require.h"
 #include "vmem/VMem.h"
 
@@ -52,7 +53,7 @@ void VFile::AllocBuf(std::int32_t& addr, std::int16_t size) {
   }
 }
 
-/// Takes a block out of the chain and gives it back.
+/// Takes a block out of the chain and gives it back. The index is the caller's.
 void VFile::Unlink(BlkDesc* p) {
   (p->prev != nullptr ? p->prev->next : first) = p->next;
   (p->next != nullptr ? p->next->prev : last) = p->prev;
@@ -60,8 +61,39 @@ void VFile::Unlink(BlkDesc* p) {
   DisposeBlkPtr(p);
 }
 
-/// Makes the new chain part of the file, behind `p`.
-void VFile::LinkBehind(BlkDesc* p, NewChain& chain) {
+/// Takes out the blocks behind the current one up to `kept`, or to the end.
+void VFile::UnlinkBehind(const BlkDesc* kept) {
+  const std::int32_t before = blockCount;
+  while (cur.ptr->next != kept) Unlink(cur.ptr->next);
+  if (index != nullptr && blockCount < before) index->RemoveBehind(index->Locate(cur.base), before - blockCount);
+}
+
+/// Takes out the current block, which is empty and not the only one. The cursor stands at the start of the next block, else at the
+/// end of the one before.
+void VFile::UnlinkCur() {
+  BlkDesc* empty = cur.ptr;
+  if (index != nullptr) index->Remove(index->Locate(cur.base));
+  if (empty->next != nullptr) {
+    cur.ptr = empty->next;
+  } else {
+    cur.ptr = empty->prev;
+    cur.base -= cur.ptr->len;
+    cur.ix = cur.ptr->len;
+  }
+  Unlink(empty);
+  if (index != nullptr) index->settledLen = cur.ptr->len;
+}
+
+/// Gives the block behind the current one another length.
+void VFile::ShortenBehind(std::int32_t len) {
+  cur.ptr->next->len = static_cast<std::int16_t>(len);
+  if (index != nullptr) index->SetLenBehind(index->Locate(cur.base), len);
+}
+
+/// Makes the new chain part of the file, behind the current block.
+void VFile::LinkBehind(NewChain& chain) {
+  if (index != nullptr && !index->InsertBehind(index->Locate(cur.base), chain.p1, chain.count)) DropIndex();
+  BlkDesc* p = cur.ptr;
   BlkDesc* q = p->next;
   p->next = chain.p1;
   chain.p1->prev = p;

@@ -7,13 +7,12 @@
 #include "vfile/BlkPool.h"
 #include "vfile/NewChain.h"
 #include "vfile/Require.h"
-#include "vfile/Walk.h"
 #include "vmem/VMem.h"
 
 /// Brings the cursor and the scratch buffer to a change at `position`. A failure is `resHeapOverflow` in `res`.
 void VFile::InitChange(std::int32_t position) {
   BlkRdr target = cur;
-  vfile::Walk(target, first, last, length, position, true);
+  Walk(target, position, true);
   if (!MoveTo(target)) return;
   pos = position;
   eof = false;
@@ -50,11 +49,12 @@ bool VFile::DoChange(std::int32_t del, const void* bytes, std::int32_t n, NewCha
   bufDirty = true;
   if (n > 0) std::memcpy(buf + cur.ix, bytes, static_cast<std::size_t>(n));
   cur.ptr->len = static_cast<std::int16_t>(cur.ix + n);
-  while (cur.ptr->next != kept) Unlink(cur.ptr->next);
-  if (keptLen > 0) kept->len = static_cast<std::int16_t>(keptLen);
-  if (!chain.IsEmpty()) LinkBehind(cur.ptr, chain);
+  UnlinkBehind(kept);
+  if (keptLen > 0) ShortenBehind(keptLen);
+  if (!chain.IsEmpty()) LinkBehind(chain);
   length = length - del + ins;
   CheckCurLen();
+  CheckIndex();
   return true;
 }
 
@@ -101,14 +101,8 @@ void VFile::CheckCurLen() {
   if (!vfile::Require(kProc, cur.ix == 0, TSTR("cur.ix!=0"))) return;
   bufValid = false;
   bufDirty = false;
-  if (empty->next != nullptr) {
-    cur.ptr = empty->next;
-    Unlink(empty);
-  } else if (empty->prev != nullptr) {
-    cur.ptr = empty->prev;
-    cur.base -= cur.ptr->len;
-    cur.ix = cur.ptr->len;
-    Unlink(empty);
+  if (first != last) {
+    UnlinkCur();
   } else if (empty->addr != -1) {
     // A page that the virtual memory cannot take back stays with the block.
     vm->Dealloc(empty->addr, BlkSize);

@@ -6,13 +6,12 @@
 
 #include "vfile/Require.h"
 #include "vfile/VFile.h"
-#include "vfile/Walk.h"
 #include "vmem/VMem.h"
 
 void VFile::SetPosC(BlkRdr& rd, std::int32_t position) const {
   if (!vfile::Require(TSTR("SetPosC"), position >= 0, TSTR("call error"))) return;
   rd = cur;
-  vfile::Walk(rd, first, last, length, std::min(position, length), false);
+  Walk(rd, std::min(position, length), false);
 }
 
 /// False behind a halt that returned.

@@ -2,6 +2,7 @@
 // only, so that it loads and evicts no page.
 
 #include "hsys/Checked.h"
+#include "vfile/PositionIndex.h"
 #include "vfile/Require.h"
 #include "vfile/VFile.h"
 
@@ -32,6 +33,7 @@ void VFile::CheckInvariants() const {
     Holds(total == length, TSTR("C2"));
     Holds(foundCur && cur.ix >= 0 && cur.ix <= cur.ptr->len && cur.base + cur.ix == pos, TSTR("C3"));
     Holds(length > 0 || first == last, TSTR("C4"));
+    Holds(index == nullptr || index->BrokenRule(first, cur.ptr) == nullptr, TSTR("I"));
     Holds((!bufDirty || bufValid) && (!bufValid || buf != nullptr), TSTR("C8"));
   }
 }

@@ -2,7 +2,6 @@
 
 #include "hsys/WrapAdd.h"
 #include "vfile/VFile.h"
-#include "vfile/Walk.h"
 
 void VFile::SetPos(std::int32_t position) {
   if (!OnOwnerThread()) return;
@@ -12,7 +11,7 @@ void VFile::SetPos(std::int32_t position) {
   }
   position = std::min(position, length);
   BlkRdr target = cur;
-  vfile::Walk(target, first, last, length, position, false);
+  Walk(target, position, false);
   res = resDone;
   if (!MoveTo(target)) return;
   pos = position;

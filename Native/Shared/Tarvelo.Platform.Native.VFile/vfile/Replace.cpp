@@ -10,7 +10,6 @@
 #include "vfile/BlkPool.h"
 #include "vfile/NewChain.h"
 #include "vfile/Require.h"
-#include "vfile/Walk.h"
 #include "vmem/VMem.h"
 
 // ---- Sources: each gives the next `count` bytes, if need be in `spare`; null if they are refused ----
@@ -85,7 +84,7 @@ bool VFile::SpaceHolds(std::int32_t position, std::int32_t del, std::int32_t cou
   if (left >= count / BlkSize + kMostBeside) [[likely]]
     return true;
   BlkRdr target = cur;
-  vfile::Walk(target, first, last, length, position, true);
+  Walk(target, position, true);
   std::int32_t pages = target.ptr->addr == -1 ? 1 : 0;
   if (ownBlocks || !FitsInBlock(target, del, count)) {
     const std::int32_t chained = count - (ownBlocks ? 0 : std::min(count, BlkSize - target.ix));

@@ -13,6 +13,7 @@
 
 #include <new>
 
+#include "vfile/PositionIndex.h"
 #include "vfile/VFile.h"
 #include "vmem/VMem.h"
 
@@ -53,6 +54,10 @@ bool VFile::MoveTo(const BlkRdr& target) {
   if (target.ptr != cur.ptr) {
     if (!WriteBack()) return false;
     bufValid = false;
+    if (index != nullptr) {
+      SettleCurLen();
+      index->settledLen = target.ptr->len;
+    }
   }
   cur = target;
   return true;

@@ -44,6 +44,7 @@ void VFile::Init() {
   bufDirty = false;
   threadId = 0;
   blockCount = 1;
+  index = nullptr;
   AttachThread();
 }
 
@@ -85,6 +86,7 @@ VFile::~VFile() noexcept(false) {
   pool->DisposeChain(first, last, blockCount);
   delete[] buf;
   buf = nullptr;
+  DropIndex();
   threadId = 0;
   vfile::DecOpenFileCount();
   if (vfile::GetOpenFileCount() == 0) DetachThread();

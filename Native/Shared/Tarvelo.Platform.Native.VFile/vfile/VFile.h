@@ -43,9 +43,9 @@
 /// Sections of the class, each in the file of its name: life and settings (VFile.cpp), position (Position.cpp), reading
 /// (Reading.cpp), the five primitives of change (Replace.cpp), editing (Editing.cpp), operators (Operators.cpp), flags and
 /// hooks (Flags.cpp), search (Search.cpp), lines (Lines.cpp), transfer (Transfer.cpp); the relational operators stand in
-/// vfile/Comparison.h. Inside: the chain (Chain.cpp), the walk (Walk.cpp), the
-/// scratch buffer (Scratch.cpp), the engine of change (Change.cpp), const reading (ConstReading.cpp), the values of the
-/// thread (ThreadValues.cpp).
+/// vfile/Comparison.h. Inside: the chain (Chain.cpp), the walk (Walk.cpp) and its index (PositionIndex.cpp), the scratch buffer
+/// (Scratch.cpp), the engine of change (Change.cpp), const reading (ConstReading.cpp), the values of the thread
+/// (ThreadValues.cpp).
 #pragma once
 
 #include <climits>
@@ -64,7 +64,8 @@ class BlkPool;
 class VMem;
 namespace vfile {
 class Comparison;
-}
+class PositionIndex;
+}  // namespace vfile
 
 class VFILE_API VFile {
  public:
@@ -601,21 +602,22 @@ class VFILE_API VFile {
   ///         up to date. `len` is always current.
   /// @{
 
-  std::int32_t pos;         ///< position, 0 to `length`
-  std::int32_t length;      ///< bytes of the file
-  std::int32_t flags;       ///< flag word
-  std::int32_t type;        ///< given by `Type`
-  VMem* vm;                 ///< the thread's
-  BlkPool* pool;            ///< the thread's
-  BlkDesc* first;           ///< first block, never null in a live object
-  BlkDesc* last;            ///< last block, likewise
-  BlkRdr cur;               ///< the object's cursor
-  unsigned char* buf;       ///< owned scratch buffer of `BlkSize` bytes, or null
-  bool bufValid;            ///< `buf` holds the bytes of `cur.ptr`
-  bool bufDirty;            ///< and they are newer than its page
-  std::uint32_t threadId;   ///< the constructing thread; 0 after the destructor
-  std::int32_t blockCount;  ///< blocks of the chain
-                            /// @}
+  std::int32_t pos;                     ///< position, 0 to `length`
+  std::int32_t length;                  ///< bytes of the file
+  std::int32_t flags;                   ///< flag word
+  std::int32_t type;                    ///< given by `Type`
+  VMem* vm;                             ///< the thread's
+  BlkPool* pool;                        ///< the thread's
+  BlkDesc* first;                       ///< first block, never null in a live object
+  BlkDesc* last;                        ///< last block, likewise
+  BlkRdr cur;                           ///< the object's cursor
+  unsigned char* buf;                   ///< owned scratch buffer of `BlkSize` bytes, or null
+  bool bufValid;                        ///< `buf` holds the bytes of `cur.ptr`
+  bool bufDirty;                        ///< and they are newer than its page
+  std::uint32_t threadId;               ///< the constructing thread; 0 after the destructor
+  std::int32_t blockCount;              ///< blocks of the chain
+  mutable vfile::PositionIndex* index;  ///< owned; of a file that has made a far move, else null
+                                        /// @}
 
  private:
   class VFILE_LOCAL NewChain;
@@ -636,7 +638,17 @@ class VFILE_API VFile {
   void DisposeBlkPtrList(BlkDesc*& head);
   void AllocBuf(std::int32_t& addr, std::int16_t size);
   void Unlink(BlkDesc* p);
-  void LinkBehind(BlkDesc* p, NewChain& chain);
+  void UnlinkBehind(const BlkDesc* kept);
+  void UnlinkCur();
+  void ShortenBehind(std::int32_t len);
+  void LinkBehind(NewChain& chain);
+
+  // Walk.cpp
+  void Walk(BlkRdr& cursor, std::int32_t position, bool forChange) const;
+  void FindFar(BlkRdr& cursor, std::int32_t position) const;
+  void SettleCurLen() const;
+  void DropIndex() const;
+  void CheckIndex();
 
   // Reading.cpp
   bool SkipLf();
