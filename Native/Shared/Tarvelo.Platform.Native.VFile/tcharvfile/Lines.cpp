@@ -21,8 +21,15 @@ std::int32_t TCharVFile::ReadLine(TChar* buffer, std::int32_t size) {
     if (eof || unit == kLf) break;
     if (unit == kCr) {
       const std::int32_t behindCr = pos;
+      const std::int32_t standing = res;
+      res = resDone;
       ReadTChar(unit);
-      if (eof || unit != kLf) SetPos(behindCr);
+      const bool refused = res != resDone;
+      if (!refused && (eof || unit != kLf)) {
+        SetPos(behindCr);
+      } else if (!refused) {
+        res = standing;
+      }
       break;
     }
     if (stored < size - 1) buffer[stored++] = unit;
@@ -42,6 +49,7 @@ TString TCharVFile::ToString() {
     return {};
   }
   SetPos(0);
-  ReadTChars(text.data(), count);
+  if (res == resDone) ReadTChars(text.data(), count);
+  if (res != resDone) text.clear();
   return text;
 }

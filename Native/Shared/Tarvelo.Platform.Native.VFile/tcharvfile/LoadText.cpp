@@ -41,7 +41,9 @@ void TCharVFile::LoadText(const TChar* fileName, Encoding& encoding, std::uint32
   encoding = DefaultEncoding;
   Load(fileName, shareMode);
   if (res != resDone) return;
-  encoding = ReadMark();
+  const Encoding marked = ReadMark();
+  if (res != resDone) return;
+  encoding = marked;
   switch (encoding) {
     case encUtf16:
       ReplaceBuf(0, kUtf16Mark, nullptr, 0);
@@ -75,7 +77,7 @@ TCharVFile::Encoding TCharVFile::ReadMark() {
   unsigned char b1;
   unsigned char b2;
   unsigned char b3;
-  SetPos(0);
+  MoveOn(0);
   ReadByte(b1);
   ReadByte(b2);
   if (b1 == 0xFF && b2 == 0xFE) return encUtf16;
@@ -96,8 +98,9 @@ void TCharVFile::SwapContent() {
   const std::int32_t count = (length - kUtf16Mark) / 2;
   const auto units = tcharvfile::Room<TChar>(static_cast<std::size_t>(count) + 1);
   if (units == nullptr) return GiveUpContent();
-  SetPos(kUtf16Mark);
+  MoveOn(kUtf16Mark);
   ReadTChars(units.get(), count);
+  if (res != resDone) return;
   for (std::int32_t i = 0; i < count; ++i) tcharvfile::SwapTChar(units[static_cast<std::size_t>(i)]);
   VFile::ReplaceBuf(0, length, units.get(), tcharvfile::Twice(count));
 }
@@ -108,8 +111,9 @@ void TCharVFile::ConvertContent(std::int32_t mark, Convert convert) {
   const std::int32_t count = length - mark;
   const auto bytes = tcharvfile::Room<char>(static_cast<std::size_t>(count) + 1);
   if (bytes == nullptr) return GiveUpContent();
-  SetPos(mark);
+  MoveOn(mark);
   ReadBytes(bytes.get(), count);
+  if (res != resDone) return;
   bytes[static_cast<std::size_t>(count)] = '\0';
   const Converted text = convert(bytes.get(), std::strlen(bytes.get()));
   if (text.units == nullptr) return GiveUpContent();

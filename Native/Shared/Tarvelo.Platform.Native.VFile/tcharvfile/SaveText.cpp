@@ -16,7 +16,7 @@ struct Converted {
   std::size_t count;
 };
 
-Converted ToUtf8(const TString& text) {
+Converted ToUtf8(TString text) {
   Converted converted(tcharvfile::Utf8Length(text.data(), text.size()));
   if (converted.bytes != nullptr) tcharvfile::UnitsToUtf8(text.data(), text.size(), converted.bytes.get());
   return converted;
@@ -66,6 +66,7 @@ void WriteAll(HFile& file, const Converted& text) {
 
 void TCharVFile::SaveText(const TChar* fileName, bool overwrite, Encoding encoding, bool withBom) {
   SetPos(0);
+  if (res != resDone) return;
   HFile file;
   if (!file.CreateSeqWrite(fileName, overwrite)) {
     res = GetFileRes(file);
@@ -73,6 +74,11 @@ void TCharVFile::SaveText(const TChar* fileName, bool overwrite, Encoding encodi
   }
   const auto takeOver = [&] {
     if (file.res != resDone) res = GetFileRes(file);
+  };
+  const auto writeConverted = [&](Converted (*convert)(TString)) {
+    TString text = ToString();
+    if (res == resDone) WriteAll(file, convert(std::move(text)));
+    takeOver();
   };
   switch (encoding) {
     case encUtf16:
@@ -91,12 +97,10 @@ void TCharVFile::SaveText(const TChar* fileName, bool overwrite, Encoding encodi
     }
     case encUtf8:
       for (const char* byte = "\xEF\xBB\xBF"; withBom && *byte != '\0'; ++byte) file.WriteBytes(byte, 1);
-      WriteAll(file, ToUtf8(ToString()));
-      takeOver();
+      writeConverted(ToUtf8);
       break;
     default:
-      WriteAll(file, ToAnsi(ToString()));
-      takeOver();
+      writeConverted(ToAnsi);
   }
 }
 

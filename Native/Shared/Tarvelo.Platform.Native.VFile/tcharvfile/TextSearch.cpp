@@ -26,10 +26,11 @@ bool TCharVFile::FindTChars(std::int32_t& position, const TChar* text, bool igno
   }
   const std::int32_t n = vfile::SearchLength(LengthOf(text));
   if (n == 0) return true;
+  SetPos(TCharsToBytes(position));
   do {
-    if (!ScanForward(position, text, n, ignoreCase)) return false;
+    if (!ScanForward(position, text, n, ignoreCase) || res != resDone) return false;
   } while (wholeWord && (IsWordUnitBehind(position) || IsWordUnitBefore(position - n)));
-  return true;
+  return res == resDone;
 }
 
 bool TCharVFile::FindTChars(std::int32_t& position, const TString& text, bool ignoreCase, bool wholeWord) {
@@ -43,10 +44,11 @@ bool TCharVFile::FindBackTChars(std::int32_t& position, const TChar* text, bool 
   }
   const std::int32_t n = vfile::SearchLength(LengthOf(text));
   if (n == 0) return true;
+  SetPos(TCharsToBytes(position));
   do {
-    if (!ScanBackward(position, text, n, ignoreCase)) return false;
+    if (!ScanBackward(position, text, n, ignoreCase) || res != resDone) return false;
   } while (wholeWord && (IsWordUnitBefore(position) || IsWordUnitBehind(position + n)));
-  return true;
+  return res == resDone;
 }
 
 bool TCharVFile::FindBackTChars(std::int32_t& position, const TString& text, bool ignoreCase, bool wholeWord) {
@@ -73,18 +75,19 @@ std::int32_t TCharVFile::ReplaceGlobalTChars(const TChar* oldText, const TChar* 
   return count;
 }
 
-// The units next to a match. An end of the text reads as 0, which is no word unit.
+// The units next to a match. An end of the text reads as 0, which is no word unit, and so does what is refused: the search looks
+// at `res`.
 
 bool TCharVFile::IsWordUnitBehind(std::int32_t position) {
   TChar unit = 0;
-  SetPos(TCharsToBytes(position));
+  MoveOn(TCharsToBytes(position));
   ReadTChar(unit);
   return !eof && IsWordUnit(unit);
 }
 
 bool TCharVFile::IsWordUnitBefore(std::int32_t position) {
   TChar unit;
-  SetPos(TCharsToBytes(position));
+  MoveOn(TCharsToBytes(position));
   ReadPrevTChar(unit);
   return IsWordUnit(unit);
 }
@@ -98,7 +101,7 @@ bool TCharVFile::ScanForward(std::int32_t& position, const TChar* text, std::int
   RunBuffer spare;
   unsigned char cut[2];
   bool isCut = false;
-  SetPos(TCharsToBytes(position));
+  MoveOn(TCharsToBytes(position));
   for (;;) {
     Run run = RunForward(spare);
     if (run.count == 0) {
@@ -132,7 +135,7 @@ bool TCharVFile::ScanBackward(std::int32_t& position, const TChar* text, std::in
   unsigned char cut[2];
   bool isCut = false;
   position = std::min(position, TCharLength());
-  SetPos(TCharsToBytes(position));
+  MoveOn(TCharsToBytes(position));
   for (;;) {
     Run run = RunBackward(spare);
     if (run.count == 0) {

@@ -23,6 +23,11 @@ void VFile::InitChange(std::int32_t position) {
   }
   if (cur.ptr->addr == -1) {
     if (!vfile::Require(TSTR("InitChange"), cur.ptr->len == 0, TSTR("cur.ptr->len>0"))) return;
+    // A source that was read first may have taken the last page of the space.
+    if (pool->PagesLeft() == 0) {
+      res = resTooLong;
+      return;
+    }
     cur.ptr->addr = pool->TakePage();
     if (cur.ptr->addr == -1) Refuse();
   } else if (!vm->GetBlock(cur.ptr->addr, buf, cur.ptr->len)) {

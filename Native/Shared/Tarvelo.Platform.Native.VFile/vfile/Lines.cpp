@@ -63,13 +63,15 @@ std::int32_t VFile::LineStart(std::int32_t position) {
   SetPos(position);
   ReadPrevByte(byte);
   if (byte == kCr) {
-    SetPos(position);
+    MoveOn(position);
     ReadByte(byte);
+    if (res != resDone) return 0;
     if (byte != kLf) return position;
     // Inside a pair: the line is the one that ends with it.
     --position;
   }
-  SetPos(position);
+  MoveOn(position);
+  if (res != resDone) return 0;
   RunBuffer spare;
   for (;;) {
     const Run run = RunBackward(spare);
@@ -89,30 +91,40 @@ std::int32_t VFile::LineStart(std::int32_t position) {
 
 void VFile::LineSize(std::int32_t position, std::int32_t& start, std::int32_t& size, std::int32_t& eolSize) {
   if (!AdmitLine(position)) return;
-  start = LineStart(position);
-  size = 0;
-  eolSize = 0;
-  SetPos(start);
+  res = resDone;
+  const std::int32_t lineStart = LineStart(position);
+  if (res != resDone || !MoveOn(lineStart)) return;
+  const std::int32_t textSize = SkipToEol();
+  if (res != resDone) return;
+  const std::int32_t endSize = SkipEol();
+  if (res != resDone) return;
+  start = lineStart;
+  size = textSize + endSize;
+  eolSize = endSize;
+}
+
+/// Moves to the end of the line, or of the file; gives the bytes to there.
+std::int32_t VFile::SkipToEol() {
+  std::int32_t skipped = 0;
   RunBuffer spare;
   for (;;) {
     const Run run = RunForward(spare);
-    if (run.count == 0) {
-      eof = true;
-      return;
-    }
+    if (run.count == 0) return skipped;
     const std::int32_t n = FindEol(run.bytes, run.count);
-    size += n;
+    skipped += n;
     Skip(n);
-    if (n < run.count) break;
+    if (n < run.count) return skipped;
   }
+}
+
+/// Moves behind the line end that is here, by reading up to what is none; gives its bytes, 0 at the end of the file.
+std::int32_t VFile::SkipEol() {
   unsigned char byte;
   ReadByte(byte);
-  eolSize = 1;
-  if (byte == kCr) {
-    ReadByte(byte);
-    if (byte == kLf) eolSize = 2;
-  }
-  size += eolSize;
+  if (eof) return 0;
+  if (byte != kCr) return 1;
+  ReadByte(byte);
+  return byte == kLf ? 2 : 1;
 }
 
 std::int32_t VFile::LineEnd(std::int32_t position, bool withEol) {
@@ -126,14 +138,15 @@ std::int32_t VFile::LineEnd(std::int32_t position, bool withEol) {
 
 std::int32_t VFile::LineIndent(std::int32_t position) {
   if (!AdmitLine(position)) return 0;
-  SetPos(LineStart(position));
+  res = resDone;
+  MoveOn(LineStart(position));
   std::int32_t indent = 0;
   RunBuffer spare;
   for (;;) {
     const Run run = RunForward(spare);
     if (run.count == 0) {
       eof = true;
-      return indent;
+      return res == resDone ? indent : 0;
     }
     std::int32_t n = 0;
     while (n < run.count && run.bytes[n] == kBlank) ++n;

@@ -9,13 +9,19 @@ void VFile::SetPos(std::int32_t position) {
     res = resCallError;
     return;
   }
+  res = resDone;
+  MoveOn(position);
+}
+
+/// `SetPos` in the middle of an operation: a refusal that stands in `res` stays there. Gives whether it moved.
+bool VFile::MoveOn(std::int32_t position) {
   position = std::min(position, length);
   BlkRdr target = cur;
   Walk(target, position, false);
-  res = resDone;
-  if (!MoveTo(target)) return;
+  if (!MoveTo(target)) return false;
   pos = position;
   eof = false;
+  return true;
 }
 
 void VFile::SetPos(std::int32_t offset, std::int32_t origin) {

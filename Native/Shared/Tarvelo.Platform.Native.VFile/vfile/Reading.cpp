@@ -114,9 +114,15 @@ void VFile::ReadDWord(unsigned long& value) { ReadBytes(&value, sizeof value); }
 /// Consumes the LF of a CR LF whose CR has been read; gives whether there was one.
 bool VFile::SkipLf() {
   const std::int32_t behindCr = pos;
+  const std::int32_t standing = res;
   unsigned char byte;
+  res = resDone;
   ReadByte(byte);
-  if (byte == kLf && !eof) return true;
+  if (res != resDone) return false;
+  if (byte == kLf && !eof) {
+    res = standing;
+    return true;
+  }
   SetPos(behindCr);
   return false;
 }

@@ -24,10 +24,11 @@ bool VFile::Find(std::int32_t& position, const char* text, bool ignoreCase, bool
   }
   const std::int32_t n = LengthOf(text);
   if (n == 0) return true;
+  SetPos(position);
   do {
-    if (!ScanForward(position, text, ignoreCase)) return false;
+    if (!ScanForward(position, text, ignoreCase) || res != resDone) return false;
   } while (wholeWord && (IsWordByteBehind(position) || IsWordByteBefore(position - n)));
-  return true;
+  return res == resDone;
 }
 
 bool VFile::FindBack(std::int32_t& position, const char* text, bool ignoreCase, bool wholeWord) {
@@ -38,10 +39,11 @@ bool VFile::FindBack(std::int32_t& position, const char* text, bool ignoreCase, 
   }
   const std::int32_t n = LengthOf(text);
   if (n == 0) return true;
+  SetPos(position);
   do {
-    if (!ScanBackward(position, text, ignoreCase)) return false;
+    if (!ScanBackward(position, text, ignoreCase) || res != resDone) return false;
   } while (wholeWord && (IsWordByteBefore(position) || IsWordByteBehind(position + n)));
-  return true;
+  return res == resDone;
 }
 
 std::int32_t VFile::ReplaceGlobal(const char* oldText, const char* newText, bool ignoreCase, bool wholeWord) {
@@ -62,18 +64,19 @@ std::int32_t VFile::ReplaceGlobal(const char* oldText, const char* newText, bool
   return count;
 }
 
-// The bytes next to a match. An end of the file reads as 0, which is no word byte.
+// The bytes next to a match. An end of the file reads as 0, which is no word byte, and so does what is refused: the search looks
+// at `res`.
 
 bool VFile::IsWordByteBehind(std::int32_t position) {
   unsigned char byte;
-  SetPos(position);
+  MoveOn(position);
   ReadByte(byte);
   return IsWordByte(byte);
 }
 
 bool VFile::IsWordByteBefore(std::int32_t position) {
   unsigned char byte;
-  SetPos(position);
+  MoveOn(position);
   ReadPrevByte(byte);
   return IsWordByte(byte);
 }
@@ -84,7 +87,7 @@ bool VFile::IsWordByteBefore(std::int32_t position) {
 bool VFile::ScanForward(std::int32_t& position, const char* text, bool ignoreCase) {
   Search search(reinterpret_cast<const unsigned char*>(text), LengthOf(text), Search::kForward, ignoreCase);
   RunBuffer spare;
-  SetPos(position);
+  MoveOn(position);
   for (;;) {
     const Run run = RunForward(spare);
     if (run.count == 0) {
@@ -106,7 +109,7 @@ bool VFile::ScanBackward(std::int32_t& position, const char* text, bool ignoreCa
   Search search(reinterpret_cast<const unsigned char*>(text), LengthOf(text), Search::kBackward, ignoreCase);
   RunBuffer spare;
   position = std::min(position, length);
-  SetPos(position);
+  MoveOn(position);
   for (;;) {
     const Run run = RunBackward(spare);
     if (run.count == 0) {

@@ -576,6 +576,9 @@ class VFILE_API VFile {
   Run RunForward(RunBuffer& spare);
   /// The bytes before the position in its block, likewise.
   Run RunBackward(RunBuffer& spare);
+  /// `SetPos` to a valid position in the middle of an operation: leaves `res` alone, where a page that was refused may stand.
+  /// Gives whether it moved.
+  bool MoveOn(std::int32_t position);
   /// Moves by `count` bytes, negative for backward, inside the block of the last run. Clears `eof`.
   void Skip(std::int32_t count);
   /// Whether `size` bytes are a count. If not, a change that could begin otherwise is `resTooLong`. For the library's own classes.
@@ -711,6 +714,8 @@ class VFILE_API VFile {
 
   // Lines.cpp
   bool AdmitLine(std::int32_t position, std::int32_t line = __builtin_LINE());
+  std::int32_t SkipToEol();
+  std::int32_t SkipEol();
 
   // Transfer.cpp
   template <typename WritePiece>

@@ -207,12 +207,31 @@ bool VMem::FindFreeBlock(std::int16_t len, FreeBlock& chosen) {
   return true;
 }
 
+/// Writes the link of the block before the chosen one. Where a page border cuts it and the second page is refused, the first, which
+/// then could not leave the cache, gets its bytes back.
+bool VMem::Relink(const FreeBlock& chosen) {
+  struct Undo {
+    ~Undo() {
+      const std::int32_t offset = vmem::OffsetInPage(at);
+      const std::size_t part = static_cast<std::size_t>(std::min<std::int32_t>(sizeof link, kPageSize - offset));
+      CacheDesc* page = done ? nullptr : space.HashedPage(at - offset);
+      if (page != nullptr) std::memcpy(page->data + offset, &link, part);
+    }
+    VMem& space;
+    std::int32_t at;
+    std::int32_t link;
+    bool done;
+  } undo{*this, chosen.before + vmem::kLinkOffset, chosen.addr, false};
+  undo.done = SetBlock(undo.at, &chosen.next, sizeof chosen.next);
+  return undo.done;
+}
+
 /// Takes a block out of the general list and gives its first `len` bytes. Where the remainder cannot be written the block stays
 /// off every list and is not handed out either.
 void VMem::TakeFreeBlock(const FreeBlock& chosen, std::int32_t& addr, std::int16_t len) {
   if (chosen.before == kNoAddress) {
     freeHead[kGeneral] = chosen.next;
-  } else if (!SetBlock(chosen.before + vmem::kLinkOffset, &chosen.next, sizeof chosen.next)) {
+  } else if (!Relink(chosen)) {
     return;
   }
   --freeCount[kGeneral];

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <vector>
 
 #include "host/Host.h"
@@ -12,7 +13,12 @@
 
 void VMem::CheckInvariants() const {
   if constexpr (hsys::kChecked) {
-    const TChar* broken = BrokenRule();
+    const TChar* broken = nullptr;
+    try {
+      broken = BrokenRule();
+    } catch (const std::bad_alloc&) {
+      // Without memory for a look at the rules they are taken to hold.
+    }
     hsys::Require(TSTR("VMem"), TSTR("CheckInvariants"), broken == nullptr, broken);
   }
 }

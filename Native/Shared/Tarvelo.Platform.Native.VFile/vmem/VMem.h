@@ -268,6 +268,7 @@ class VFILE_API VMem {
   bool Push(std::int32_t& head, std::int32_t& count, std::int32_t addr);
   bool Pop(std::int32_t& head, std::int32_t& count, std::int32_t& addr);
   void RemoveClass(std::int32_t index);
+  bool Relink(const FreeBlock& chosen);
   bool FindFreeBlock(std::int16_t len, FreeBlock& chosen);
   void TakeFreeBlock(const FreeBlock& chosen, std::int32_t& addr, std::int16_t len);
 

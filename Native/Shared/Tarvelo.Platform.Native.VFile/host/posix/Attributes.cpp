@@ -40,11 +40,18 @@ mode_t WriteBits(mode_t mode) {
   return S_IWUSR | (ofReaders & ~GetUmask());
 }
 
-/// Changes the mode of a file that is open for nothing but that, through the system's name of the descriptor.
-bool ChangeMode(int descriptor, mode_t mode) {
+/// Changes the mode of a file that is open for nothing but that, through the system's name of the descriptor; where the system
+/// has no such names, through a second descriptor of the same file.
+bool ChangeMode(int descriptor, const struct stat& status, const char* fileName, mode_t mode) {
   char name[32];
   std::snprintf(name, sizeof name, "/proc/self/fd/%d", descriptor);
-  return chmod(name, mode & 07777) == 0;
+  if (chmod(name, mode & 07777) == 0) return true;
+  if (errno != ENOENT) return false;
+  const posix::Descriptor file(posix::OpenOnce(fileName, O_RDONLY | O_NONBLOCK, 0));
+  struct stat found;
+  if (!file.IsOpen() || fstat(file.Get(), &found) != 0) return false;
+  errno = EACCES;
+  return posix::IsSameFile(found, status) && fchmod(file.Get(), mode & 07777) == 0;
 }
 
 }  // namespace
@@ -72,7 +79,7 @@ bool SetFileAttributesW(const TChar* name, std::uint32_t attributes) {
   if (!S_ISREG(status.st_mode)) return !readOnly || Fail(ERROR_ACCESS_DENIED);
   if (posix::IsReadOnlyFile(status) == readOnly) return true;
   const mode_t mode = readOnly ? status.st_mode & ~mode_t{0222} : status.st_mode | WriteBits(status.st_mode);
-  return ChangeMode(file.Get(), mode) || Fail(ErrorFromErrno(errno));
+  return ChangeMode(file.Get(), status, native.Text(), mode) || Fail(ErrorFromErrno(errno));
 }
 
 int _waccess(const TChar* name, int mode) {

@@ -1,8 +1,13 @@
 #include "host/posix/Descriptor.h"
 
+#include <array>
+#include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <fcntl.h>
+#include <mutex>
+#include <pthread.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -24,6 +29,33 @@ int MoveUp(int low, const char* name, bool made) {
   return moved;
 }
 
+/// The descriptors that this process opened here and has not closed, a bit for each. A forked child has opened none of those that
+/// it shares with its parent. One beyond the table counts as opened here.
+std::array<std::atomic<std::uint64_t>, 1024> opened;
+
+std::atomic<std::uint64_t>* WordOf(int descriptor) {
+  const auto word = static_cast<std::size_t>(descriptor) / 64;
+  return word < opened.size() ? &opened[word] : nullptr;
+}
+
+std::uint64_t BitOf(int descriptor) { return std::uint64_t{1} << (descriptor % 64); }
+
+void ForgetOpened() {
+  for (auto& word : opened) word = 0;
+}
+
+void NoteOpened(int descriptor) {
+  static std::once_flag once;
+  std::call_once(once, [] { pthread_atfork(nullptr, nullptr, ForgetOpened); });
+  if (auto* word = WordOf(descriptor)) *word |= BitOf(descriptor);
+}
+
+/// Whether the descriptor, which is about to be closed, was opened here.
+bool WasOpened(int descriptor) {
+  auto* word = WordOf(descriptor);
+  return word == nullptr || (word->fetch_and(~BitOf(descriptor)) & BitOf(descriptor)) != 0;
+}
+
 }  // namespace
 
 int OpenOnce(const char* name, int flags, mode_t mode) {
@@ -32,11 +64,13 @@ int OpenOnce(const char* name, int flags, mode_t mode) {
     descriptor = open(name, flags | O_CLOEXEC | O_NOCTTY, mode);
   } while (descriptor < 0 && errno == EINTR);
   const bool low = descriptor >= 0 && descriptor < kFirstFree;
-  return low ? MoveUp(descriptor, name, (flags & O_EXCL) != 0) : descriptor;
+  if (low) descriptor = MoveUp(descriptor, name, (flags & O_EXCL) != 0);
+  if (descriptor >= 0) NoteOpened(descriptor);
+  return descriptor;
 }
 
 int CloseAndUnlock(int descriptor) {
-  flock(descriptor, LOCK_UN);
+  if (descriptor >= 0 && WasOpened(descriptor)) flock(descriptor, LOCK_UN);
   return close(descriptor);
 }
 

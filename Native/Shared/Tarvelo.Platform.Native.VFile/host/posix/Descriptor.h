@@ -12,7 +12,8 @@ namespace host::posix {
 /// descriptors do not survive into another program.
 int OpenOnce(const char* name, int flags, mode_t mode);
 
-/// `close`, which first lifts the lock, since a forked child may hold a copy of the descriptor and keep it.
+/// `close`, which first lifts the lock, since a forked child may hold a copy of the descriptor and keep it. The lock of a
+/// descriptor that this process has not opened, but was handed or shares with its parent, is another's.
 int CloseAndUnlock(int descriptor);
 
 /// An opened descriptor that is closed again unless it is released.
