@@ -16,14 +16,14 @@ struct Converted {
   std::size_t count;
 };
 
-Converted ToUtf8(TString text) {
+Converted ToUtf8(TString& text) {
   Converted converted(tcharvfile::Utf8Length(text.data(), text.size()));
   if (converted.bytes != nullptr) tcharvfile::UnitsToUtf8(text.data(), text.size(), converted.bytes.get());
   return converted;
 }
 
 /// Also where the ANSI code page is UTF-8, an unpaired surrogate is "?" in this form.
-Converted ToAnsi(TString text) {
+Converted ToAnsi(TString& text) {
   if (host::GetACP() == host::CP_UTF8) {
     tcharvfile::ReplaceUnpaired(text, TChar{'?'});
     return ToUtf8(text);
@@ -75,9 +75,9 @@ void TCharVFile::SaveText(const TChar* fileName, bool overwrite, Encoding encodi
   const auto takeOver = [&] {
     if (file.res != resDone) res = GetFileRes(file);
   };
-  const auto writeConverted = [&](Converted (*convert)(TString)) {
+  const auto writeConverted = [&](Converted (*convert)(TString&)) {
     TString text = ToString();
-    if (res == resDone) WriteAll(file, convert(std::move(text)));
+    if (res == resDone) WriteAll(file, convert(text));
     takeOver();
   };
   switch (encoding) {
