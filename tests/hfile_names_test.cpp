@@ -203,7 +203,8 @@ TEST_F(FilesByName, TemporaryDirectoryIsTheFirstUsable) {
         {"one", "two", "last", In("one\\")}, {"one/", "two", "last", In("one/")}, {"file", "two", "last", In("two\\")},
         {"no", "file", "last", In("last\\")}, {"no", "no", "no", "/var/tmp/"}, {"no read", "two", "last", In("two\\")},
         {"no write", "no search", "last", In("last\\")}, {"no", "no", "no read", "/var/tmp/"},
-        {"no", "no", "no write", "/var/tmp/"}, {"no", "no", "no search", "/var/tmp/"}};
+        {"no", "no", "no write", "/var/tmp/"}, {"no", "no", "no search", "/var/tmp/"},
+        {std::string(400, 'x'), "two", "last", In("two\\")}};
     // clang-format on
     for (const Texts& row : rows) {
       setenv("TMP", In(row[0]).c_str(), 1);
