@@ -284,7 +284,9 @@ TEST_F(TemporaryFiles, TakeTheNextNumberForATakenNameAlone) {
       EXPECT_EQ(std::tuple(Create(prefix, ext, dir), file.res), std::tuple(res == resDone, res));
     }
     file.Close();
-    const auto exact = static_cast<std::uint32_t>(directory.size() + 1 + 4);
+    EXPECT_TRUE(Create(nullptr, nullptr, directory.c_str()));
+    file.Close();
+    const auto exact = static_cast<std::uint32_t>(TString(name).size());
     EXPECT_FALSE(HFile::CreateTempFile(file, name, exact, nullptr, nullptr, directory.c_str(), false));
     EXPECT_EQ(file.res, resIllegalName);
 
