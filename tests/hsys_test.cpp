@@ -138,6 +138,7 @@ TEST(TemporaryNumbers, GoRoundOnceOverTheirBound) {
     do seen += std::to_string(numbers.Number()) + ",";
     while (numbers.Step());
     EXPECT_EQ(seen, all);
+    EXPECT_FALSE(numbers.SkipToShortest());
     hsys::TempNumbers skipping(start, 5);
     seen = std::to_string(start) + ",";
     for (bool left = skipping.SkipToShortest(); left; left = skipping.Step()) {
