@@ -140,7 +140,7 @@ TEST_F(FilesByName, FullNamesAreResolvedAsText) {
     }
     std::filesystem::current_path("/");
     HFile::GetFullName(small, 5, small);
-    HFile::GetFullName(full, 4, TSTR("abcde"));
+    HFile::GetFullName(full, 4, TSTR("abc"));
     EXPECT_TRUE(Narrow(small) == "/abc" && Narrow(full) == "abc");
     // What fits when it is resolved need not fit before.
     HFile::GetFullName(small, 5, TSTR("abcdef/../x"));
@@ -183,6 +183,8 @@ TEST_F(FilesByName, MayHoldMoreThanTwoGiB) {
   char last[2];
   EXPECT_EQ(host::SetFilePointer(handle, -1, host::FILE_END), 2'999'999'999);
   EXPECT_EQ(file.ReadBytes(last, 2), 1);
+  lseek(host::DescriptorFromHandle(handle), 5'000'000'000, SEEK_SET);
+  EXPECT_EQ(file.GetPos(), 0);
 }
 
 TEST_F(FilesByName, TemporaryDirectoryIsTheFirstUsable) {
@@ -200,10 +202,11 @@ TEST_F(FilesByName, TemporaryDirectoryIsTheFirstUsable) {
     // "TMP", "TEMP", "TMPDIR", and which of them it is.
     // clang-format off
     const Texts rows[] = {
-        {"one", "two", "last", In("one\\")}, {"one/", "two", "last", In("one/")}, {"file", "two", "last", In("two\\")},
+        {"one", "two", "last", In("one\\")}, {"one\\", "two", "last", In("one\\")}, {"file", "two", "last", In("two\\")},
         {"no", "file", "last", In("last\\")}, {"no", "no", "no", "/var/tmp/"}, {"no read", "two", "last", In("two\\")},
         {"no write", "no search", "last", In("last\\")}, {"no", "no", "no read", "/var/tmp/"},
-        {"no", "no", "no write", "/var/tmp/"}, {"no", "no", "no search", "/var/tmp/"}};
+        {"no", "no", "no write", "/var/tmp/"}, {"no", "no", "no search", "/var/tmp/"},
+        {std::string(400, 'x'), "two", "last", In("two\\")}};
     // clang-format on
     for (const Texts& row : rows) {
       setenv("TMP", In(row[0]).c_str(), 1);
@@ -281,16 +284,19 @@ TEST_F(TemporaryFiles, TakeTheNextNumberForATakenNameAlone) {
       EXPECT_EQ(std::tuple(Create(prefix, ext, dir), file.res), std::tuple(res == resDone, res));
     }
     file.Close();
-    const auto exact = static_cast<std::uint32_t>(directory.size() + 1 + 4);
+    EXPECT_TRUE(Create(nullptr, nullptr, directory.c_str()));
+    file.Close();
+    const auto exact = static_cast<std::uint32_t>(TString(name).size());
     EXPECT_FALSE(HFile::CreateTempFile(file, name, exact, nullptr, nullptr, directory.c_str(), false));
     EXPECT_EQ(file.res, resIllegalName);
 
-    // The numbers of the next three seconds.
-    const std::uint32_t now = host::GetTickCount();
-    const auto taken = [&](std::uint32_t i) {
-      return "p" + std::to_string(static_cast<std::int32_t>(now + i) % 100000000);
-    };
-    for (std::uint32_t i = 0; i < 3000; ++i) std::filesystem::create_symlink("none", Path(taken(i)));
+    // The numbers of half a second, made before its time has come.
+    const std::uint32_t first = host::GetTickCount() + 1000;
+    for (std::uint32_t i = 0; i < 500; ++i) {
+      const std::int32_t number = static_cast<std::int32_t>(first + i) % 100000000;
+      std::filesystem::create_symlink("none", Path("p" + std::to_string(number)));
+    }
+    while (static_cast<std::int32_t>(host::GetTickCount() - first) < 0) usleep(1000);
     EXPECT_TRUE(Create(TSTR("p"), TSTR(""), directory.c_str()) && !std::filesystem::exists(Path("none")));
     EXPECT_FALSE(std::filesystem::is_symlink(std::filesystem::path(TString(name)))) << Narrow(name);
     file.Close();

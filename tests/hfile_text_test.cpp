@@ -80,6 +80,10 @@ TEST_F(HFileText, NumbersGoOutAsTextAndCharactersAsThemselves) {
   file.Write(static_cast<unsigned char>('u'), 1);
   file.radix = 2;
   file << ' ' << -1 << ' ' << ULLONG_MAX;
+  for (const std::int32_t none : {1, 37}) {
+    file.radix = none;
+    file << 5;
+  }
   EXPECT_EQ(Content("file"), "ABC text -12 65535 -2147483648 4294967295 " + std::to_string(LONG_MIN) + ' ' +
                                  std::to_string(ULONG_MAX) + " -9223372036854775808 18446744073709551615\r\nssu " +
                                  std::string(32, '1') + ' ' + std::string(64, '1'));

@@ -1,11 +1,9 @@
 #include "host/Host.h"
 
-#include <atomic>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <thread>
 
 #include "host/posix/PosixNames.h"
 #include "support/Files.h"
@@ -40,13 +38,17 @@ TEST_F(HostFiles, OpenByNameAndDisposition) {
   chmod(Path("locked").c_str(), 0444);
   std::filesystem::create_directory(Path("sub"));
   std::filesystem::create_symlink("loop", Path("loop"));
+  std::filesystem::create_symlink("new", Path("to new"));
+  std::string tooLong;
+  for (int i = 0; i < 2100; ++i) tooLong += "./";
   const struct {
     std::string name;
     std::uint32_t errors[4];
   } rows[] = {{"file", {80, 183, 0, 183}},      {"new", {0, 0, 2, 0}},
               {"file/x", {3, 3, 3, 3}},         {"sub/", {80, 5, 5, 5}},
               {"locked", {80, 5, 5, 5}},        {"new\\", {123, 123, 123, 123}},
-              {"loop", {80, 1921, 1921, 1921}}, {std::string(256, 'n'), {206, 206, 206, 206}}};
+              {"loop", {80, 1921, 1921, 1921}}, {std::string(256, 'n'), {206, 206, 206, 206}},
+              {"to new", {80, 0, 2, 0}},        {tooLong, {206, 206, 206, 206}}};
   for (const auto& [name, errors] : rows) {
     for (std::uint32_t how = CREATE_NEW; how <= OPEN_ALWAYS; ++how) {
       Put("file", "abc");
@@ -60,6 +62,7 @@ TEST_F(HostFiles, OpenByNameAndDisposition) {
   EXPECT_TRUE(GetFileAttributesW(Name("locked").c_str()) == 0x21 && _waccess(Name("locked").c_str(), 2) == -1);
   EXPECT_TRUE(GetFileAttributesW(Name("sub").c_str()) == 0x10 && _waccess(Name("sub").c_str(), 2) == 0);
   EXPECT_EQ(ErrorOf(CreateFileW(TSTR(""), GENERIC_READ, 0, OPEN_ALWAYS, 0) != INVALID_HANDLE_VALUE), 3u);
+  for (const int full : {ENOSPC, EDQUOT, EFBIG}) EXPECT_EQ(posix::ErrorFromErrno(full), ERROR_DISK_FULL);
 }
 
 TEST_F(HostFiles, SharingHoldsBetweenProcessesAndARefusedOpenLeavesTheFile) {
@@ -77,7 +80,7 @@ TEST_F(HostFiles, SharingHoldsBetweenProcessesAndARefusedOpenLeavesTheFile) {
   ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
   for (const TString& name : {Name("pipe"), TString(TSTR("/dev/null"))}) {
     const HANDLE first = CreateFileW(name.c_str(), kReadWrite, 0, OPEN_EXISTING, 0);
-    const HANDLE second = CreateFileW(name.c_str(), kReadWrite, 0, OPEN_EXISTING, 0);
+    const HANDLE second = CreateFileW(name.c_str(), kReadWrite, 0, CREATE_ALWAYS, 0);
     EXPECT_NE(second, INVALID_HANDLE_VALUE);
     CloseHandle(first);
     CloseHandle(second);
@@ -86,23 +89,22 @@ TEST_F(HostFiles, SharingHoldsBetweenProcessesAndARefusedOpenLeavesTheFile) {
 
 TEST_F(HostFiles, CloseLiftsTheLockThoughAChildHoldsACopy) {
   const HANDLE file = Opened("file", kReadWrite, 0);
+  EXPECT_EQ(fcntl(DescriptorFromHandle(file), F_GETFD), FD_CLOEXEC);
   const support::StoppedChild child([] { return true; });
   EXPECT_TRUE(CloseHandle(file));
   EXPECT_EQ(Open("file", kReadWrite, 0, OPEN_EXISTING), 0u);
 }
 
-// Another thread removes the file and puts others in its place. What is open is what the name leads to, and stays so.
+// Other threads remove the file and put others in its place. What is open is what the name leads to, and stays so.
 TEST_F(HostFiles, AnOpenFileHasItsName) {
   Put("other", "abc");
   const TString name = Name("file");
   const TString other = Name("other");
-  std::atomic<bool> enough = false;
-  std::thread changer([&] {
-    while (!enough) {
-      CopyFileW(other.c_str(), name.c_str(), false);
-      DeleteFileW(name.c_str());
-    }
+  const support::Meanwhile changing([&] {
+    CopyFileW(other.c_str(), name.c_str(), false);
+    DeleteFileW(name.c_str());
   });
+  const support::Meanwhile removing([&] { DeleteFileW(name.c_str()); });
   int opened = 0;
   int astray = 0;
   for (int i = 0; i < 40000; ++i) {
@@ -117,8 +119,6 @@ TEST_F(HostFiles, AnOpenFileHasItsName) {
     if (!same || (how == CREATE_ALWAYS && held.st_size != 0)) ++astray;
     CloseHandle(file);
   }
-  enough = true;
-  changer.join();
   EXPECT_GT(opened, 1000);
   EXPECT_EQ(astray, 0);
 }
@@ -130,6 +130,7 @@ TEST_F(HostFiles, NoFileIsAStandardStream) {
     const HANDLE unnamed = CreateFileW(Name("swap").c_str(), kReadWrite, 0, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE);
     EXPECT_GT(DescriptorFromHandle(file), 2);
     EXPECT_GT(DescriptorFromHandle(unnamed), 2);
+    EXPECT_EQ(fcntl(0, F_GETFD), -1);
     // Where no other is left, nothing is made.
     const rlimit three = {3, 3};
     EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &three), 0);
@@ -164,7 +165,7 @@ TEST_F(HostFiles, DeleteOnCloseLeavesNothingEvenWhenKilled) {
 TEST_F(HostFiles, ReadOnlyNoLongerMeansWritableForReaders) {
   const struct {
     mode_t locked, mask, free;
-  } rows[] = {{0444, 022, 0644}, {0444, 0, 0666}, {0440, 0, 0660}, {0404, 0, 0606}, {0400, 0, 0600}, {0, 0, 0200}};
+  } rows[] = {{04444, 022, 04644}, {0444, 0, 0666}, {0440, 0, 0660}, {0404, 0, 0606}, {0400, 0, 0600}, {0, 0, 0200}};
   const std::string path = Path("file").string();
   Put("file", "");
   const mode_t mask = umask(0);
@@ -181,14 +182,11 @@ TEST_F(HostFiles, ReadOnlyNoLongerMeansWritableForReaders) {
 
 // The name leads to one file and to the other in turn: neither gets a mode that was made of the other's.
 TEST_F(HostFiles, AttributesAreChangedWhereTheyWereRead) {
-  const int readable = open(Path("file").c_str(), O_RDONLY | O_CREAT, 0444);
-  const int secret = open(Path("secret").c_str(), O_RDONLY | O_CREAT, 0600);
-  std::atomic<bool> enough = false;
-  std::thread swapper([&] {
-    const std::string one = Path("file").string();
-    const std::string two = Path("secret").string();
-    while (!enough) renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, two.c_str(), RENAME_EXCHANGE);
-  });
+  const std::string one = Path("file").string();
+  const std::string two = Path("secret").string();
+  const int readable = open(one.c_str(), O_RDONLY | O_CREAT, 0444);
+  const int secret = open(two.c_str(), O_RDONLY | O_CREAT, 0600);
+  const support::Meanwhile swapping([&] { renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, two.c_str(), RENAME_EXCHANGE); });
   mode_t mode = 0600;
   for (int i = 0; i < 4000 && mode == 0600; ++i) {
     struct stat status = {};
@@ -197,8 +195,6 @@ TEST_F(HostFiles, AttributesAreChangedWhereTheyWereRead) {
     fstat(secret, &status);
     mode = status.st_mode & 07777;
   }
-  enough = true;
-  swapper.join();
   close(readable);
   close(secret);
   EXPECT_EQ(mode, 0600u);

@@ -6,10 +6,13 @@
 #include <ctime>
 #include <gtest/gtest.h>
 #include <map>
+#include <string>
+#include <tuple>
 
 #include "hfile/HFile.h"
 #include "host/Host.h"
 #include "host/posix/LocalTime.h"
+#include "hsys/TempNumbers.h"
 #include "support/Halts.h"
 #include "support/Process.h"
 
@@ -30,8 +33,11 @@ TEST(HaltDeathTest, HasItsTextAndTheDefaultShowsItAndAborts) {
   InstallHaltProc([](const TChar*) { FAIL() << "replaced"; });
   InstallHaltProc([](const TChar* message) { EXPECT_EQ(message, text); });
   Halt(text);
+  const TString longText(2000, 'x');
   for (int times = 0; times < 2; ++times) {
     DeinstallHaltProc();
+    EXPECT_EXIT(Halt(longText.c_str()), testing::KilledBySignal(SIGABRT),
+                testing::Eq("Program halted\n" + std::string(2000, 'x') + "\n"));
     EXPECT_EXIT(Halt(text), testing::KilledBySignal(SIGABRT),
                 testing::Eq("Program halted\na\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80\xEF\xBF\xBD\n"));
   }
@@ -83,7 +89,7 @@ TEST(Strings, TrimmingBlanksAndComparison) {
     EXPECT_EQ(IsBlank(static_cast<TChar>(unit)), unit == 9 || unit == 10 || unit == 12 || unit == 13 || unit == 32);
   EXPECT_TRUE(EqualStr(TSTR("ab"), TSTR("ab")) && !EqualStr(TSTR("ab"), TSTR("aB")) &&
               !EqualStr(TSTR("a"), TSTR("ab")));
-  EXPECT_TRUE(EqualStrI(TSTR("Abc"), TSTR("aBC")) && !EqualStrI(TSTR("@"), TSTR("`")));
+  EXPECT_TRUE(EqualStrI(TSTR("AbcZ"), TSTR("aBCz")) && !EqualStrI(TSTR("@"), TSTR("`")));
 }
 
 TEST(Results, OfHostErrorsAndTheirTexts) {
@@ -120,6 +126,26 @@ TEST(Numbers, HaveOrderSignWordsAndBytes) {
   EXPECT_TRUE(hi == 0x1234 && lo == 0x5678 && HI(-2) == 0xFFFF && LO(-2) == 0xFFFE && Long2(hi, lo) == 0x12345678);
   EXPECT_TRUE(std::string(b, 6) == "\1\2\3\4\5\6" && Build2(-1, 2) == -254 && Build4(1, 2, 3, -4) == 0x010203FC);
   EXPECT_TRUE(Long(-3) == -3 && LongC(~0u) == -1 && Int(~0u) == -1 && Card(-1) == ~0u && GetEolKind() == eolCrLf);
+}
+
+TEST(TemporaryNumbers, GoRoundOnceOverTheirBound) {
+  // Each start with all its numbers below 5, and with those that are left when the first is skipped.
+  const std::tuple<std::int32_t, std::string, std::string> rows[] = {
+      {0, "0,1,2,3,4,", "0,"}, {3, "3,4,0,1,2,", "3,0,1,2,"}, {-2, "-2,-1,0,1,2,", "-2,0,1,2,"}};
+  for (const auto& [start, all, shortest] : rows) {
+    std::string seen;
+    hsys::TempNumbers numbers(start, 5);
+    do seen += std::to_string(numbers.Number()) + ",";
+    while (numbers.Step());
+    EXPECT_EQ(seen, all);
+    EXPECT_FALSE(numbers.SkipToShortest());
+    hsys::TempNumbers skipping(start, 5);
+    seen = std::to_string(start) + ",";
+    for (bool left = skipping.SkipToShortest(); left; left = skipping.Step()) {
+      seen += std::to_string(skipping.Number()) + ",";
+    }
+    EXPECT_EQ(seen, shortest);
+  }
 }
 
 /// The host's own clock: others of it run behind this one.
@@ -208,7 +234,7 @@ TEST(Numbers, AreHeldToTheirRange) {
   for (const std::int32_t value : {65536, -1}) EXPECT_HALT("Fatal Error 3 in module HSys ", ShortC(value));
   const NoteHalts returning;
   EXPECT_TRUE(Short(65537) == 1 && ShortC(-2) == 65534 && LongFloat(INT32_MIN) == -2147483648.0);
-  const double reals[] = {9999.9, 10000, -0.5, -10000.9, 2147483646.9, 2147483647.5, 1e300, -2147483647.9, -1e300, NAN};
+  const double reals[] = {9999.9, 10000, -0.5, -10000.9, 2147483646.9, 2147483647.5, 1e300, -2147483648.0, -1e300, NAN};
   const std::int32_t whole[] = {9999, 10000, 0, -10000, 2147483646, INT32_MAX, INT32_MAX, -INT32_MAX, -INT32_MAX, 0};
   for (int i = 0; i < 10; ++i) EXPECT_EQ(LongTrunc(reals[i]), whole[i]);
 }

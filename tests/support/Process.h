@@ -2,10 +2,12 @@
 /// Child processes for tests.
 #pragma once
 
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace support {
@@ -39,6 +41,25 @@ class StoppedChild {
 
  private:
   const pid_t child_;
+};
+
+/// A thread that does `step` again and again, until the end of its scope.
+class Meanwhile {
+ public:
+  template <typename Step>
+  explicit Meanwhile(Step step) {
+    thread_ = std::thread([this, step] {
+      while (!enough_) step();
+    });
+  }
+  ~Meanwhile() {
+    enough_ = true;
+    thread_.join();
+  }
+
+ private:
+  std::atomic<bool> enough_ = false;
+  std::thread thread_;
 };
 
 }  // namespace support
