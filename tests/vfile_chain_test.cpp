@@ -45,6 +45,11 @@ TEST(Life, BlocksAndPagesAreRecycled) {
     for (const BlkDesc* p = file.first; p != nullptr; p = p->next) pages.insert(p->addr);
   }
   EXPECT_EQ(pages, (std::set<I32>{0, 1024, 2048, 3072}));
+  Peek late;
+  { const Chain pooled({9}); }
+  late.Append("x");
+  pages.insert(late.first->addr);
+  EXPECT_EQ(pages, (std::set<I32>{0, 1024, 2048, 3072}));
   // What an emptied file gave back comes first, whatever lies in the pool.
   Peek file;
   for (int round = 0; round < 9; ++round) {

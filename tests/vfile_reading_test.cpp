@@ -2,7 +2,7 @@
 
 #include "support/Chains.h"
 
-using support::Chain, support::I32, support::Lengths, support::Peek;
+using support::Chain, support::I32, support::Peek;
 
 namespace {
 
@@ -25,53 +25,6 @@ TEST(Reading, ValuesAreLittleEndianAndTheRestStays) {
   EXPECT_EQ(file.res, resDone);
 }
 
-// Each text in blocks of every length: the text, the bytes that each character took, the lines cut to two characters.
-TEST(Reading, TextFoldsLineEnds) {
-  const std::tuple<std::string, std::string, std::string, std::string> rows[] = {
-      {"\r", "\n", "1", "|"},
-      {"\rx\r\r\n\n\ry", "\nx\n\n\n\ny", "1112111", "|x||||y|"},
-      {"abc\r\nde\rfg\n", "abc\nde\nfg\n", "1112111111", "ab|de|fg|"}};
-  for (const auto& [text, folded, consumed, lines] : rows) {
-    for (std::size_t n = 1; n <= text.size(); ++n) {
-      Lengths lens(text.size() / n, static_cast<int>(n));
-      if (text.size() % n > 0) lens.push_back(static_cast<int>(text.size() % n));
-      Chain file(lens, text);
-      std::string readFolded;
-      std::string readConsumed;
-      char ch;
-      file.Reset();
-      while (const I32 got = file.Read(ch)) {
-        readFolded += ch;
-        readConsumed += std::to_string(got);
-      }
-      EXPECT_EQ(readFolded, folded);
-      EXPECT_EQ(readConsumed, consumed);
-      EXPECT_TRUE(file.eof);
-      EXPECT_EQ(ch, '\0');
-      std::string readLines;
-      file.Reset();
-      while (!file.Eof()) {
-        char line[3];
-        EXPECT_LE(file.ReadLine(line, 3), 2);
-        readLines += line;
-        readLines += "|";
-      }
-      EXPECT_EQ(readLines, lines);
-      file.SetPos(-1, 2);
-      file.Read(ch);
-      EXPECT_FALSE(file.eof);
-      file.Reset();
-      ch = 'x';
-      EXPECT_EQ(file.ReadLine(&ch, 1), 0);
-      EXPECT_EQ(ch, '\0');
-      EXPECT_FALSE(file.Bof());
-      EXPECT_EQ(file.res, resDone);
-      EXPECT_EQ(file.ReadLine(&ch, 0), 0);
-      EXPECT_EQ(file.res, resCallError);
-    }
-  }
-}
-
 TEST(Reading, TakesWhatTheBufferHolds) {
   Chain file({2, 3}, "abcde");
   char byte = 'x';
@@ -88,8 +41,7 @@ TEST(Reading, TakesWhatTheBufferHolds) {
   for (const auto& read : refused) {
     file.SetPos(1);
     EXPECT_EQ(read(file), 0) << &read - refused;
-    EXPECT_EQ(file.res, resCallError) << &read - refused;
-    EXPECT_EQ(file.GetPos(), 1) << &read - refused;
+    EXPECT_EQ(std::pair(file.res, file.GetPos()), std::pair(I32{resCallError}, 1)) << &read - refused;
   }
 }
 
