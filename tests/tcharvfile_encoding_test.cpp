@@ -169,14 +169,12 @@ TEST_F(TextFiles, AreInTheCodePageOfTheEnvironment) {
   const char* utf8 = "61 0 E2 82 AC E4 B8 80 F0 9F 98 80 3F C3 A9";
   const struct {
     const char *all, *ctype, *lang, *bytes, *units, *saved;
-  } rows[] = {
-      {"de_DE.CP1252", "", "", "80 81 E9", "20AC FFFD E9", "61 0 80 3F 3F 3F E9"},
-      {"", "x.ISO-8859-1@euro", "x.UTF-8", "80 81 E9", "80 81 E9", "61 0 3F 3F 3F 3F E9"},
-      {"", "", "ja_JP.SJIS", "82 A0 82 20 88 EA", "3042 FFFD 20 4E00", "61 0 3F 88 EA 3F 3F 3F"},
-      {"C", "", "x.CP1252", "E9 C3 A9", "FFFD E9", utf8},
-      {"", "x.unknown", "x.CP1252", "E9 C3 A9", "FFFD E9", utf8},
-      {nullptr, nullptr, nullptr, "E9 C3 A9", "FFFD E9", utf8},
-  };
+  } rows[] = {{"de_DE.CP1252", "", "", "80 81 E9", "20AC FFFD E9", "61 0 80 3F 3F 3F E9"},
+              {"", "x.ISO-8859-1@euro", "x.UTF-8", "80 81 E9", "80 81 E9", "61 0 3F 3F 3F 3F E9"},
+              {"", "", "ja_JP.SJIS", "82 A0 82 20 88 EA", "3042 FFFD 20 4E00", "61 0 3F 88 EA 3F 3F 3F"},
+              {"C", "", "x.CP1252", "E9 C3 A9", "FFFD E9", utf8},
+              {"", "x.unknown", "x.CP1252", "E9 C3 A9", "FFFD E9", utf8},
+              {nullptr, nullptr, nullptr, "E9 C3 A9", "FFFD E9", utf8}};
   testing::FLAGS_gtest_death_test_style = "threadsafe";  // settled at first use, so each in a process of its own
   for (const auto& row : rows) {
     const auto convert = [&] {

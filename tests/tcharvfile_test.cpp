@@ -3,7 +3,6 @@
 #include <thread>
 
 #include "support/Halts.h"
-#include "support/Heap.h"
 #include "support/HugeString.h"
 #include "support/Texts.h"
 
@@ -125,18 +124,6 @@ TEST(Lines, AreReadAndExported) {
   }
 }
 
-TEST(Lines, AreNotExportedWithoutMemory) {
-  TextPeek text;
-  text = TString(100, u'x');
-  text.SetTCharPos(7);
-  {
-    const support::FailingHeap heap(1, support::FailingHeap::kAll);
-    EXPECT_EQ(text.ToString(), TString());
-  }
-  EXPECT_EQ(text.res, resHeapOverflow);
-  EXPECT_EQ(text.GetTCharPos(), 7);
-}
-
 TEST(TextSearch, KnowsWhatItCannotFind) {
   TextPeek text;
   text.ReplaceBuf(0, 0, "a\0b\0b", 5);
@@ -171,11 +158,8 @@ TEST(HugeStrings, AreTooLongAndNeverCut) {
   file.Write(bytes);
   EXPECT_EQ(file.res, resTooLong);
   EXPECT_EQ(VFile(bytes).res, resTooLong);
-  const std::function<void(TextPeek&)> changes[] = {
-      DO(f << units),
-      DO(f = units),
-      DO(f.ReplaceGlobalTChars(TSTR("b"), units, false, false)),
-  };
+  const std::function<void(TextPeek&)> changes[] = {DO(f << units), DO(f = units),
+                                                    DO(f.ReplaceGlobalTChars(TSTR("b"), units, false, false))};
   for (const auto& change : changes) {
     TextPeek text;
     text = TSTR("abc");
@@ -183,11 +167,8 @@ TEST(HugeStrings, AreTooLongAndNeverCut) {
     EXPECT_EQ(text.res, resTooLong) << &change - changes;
     EXPECT_EQ(text.Units(), TSTR("abc")) << &change - changes;
   }
-  const std::function<void(VFile&)> byteChanges[] = {
-      DO(f.Insert(bytes)),
-      DO(f = bytes),
-      DO(f.ReplaceGlobal("b", bytes, false, false)),
-  };
+  const std::function<void(VFile&)> byteChanges[] = {DO(f.Insert(bytes)), DO(f = bytes),
+                                                     DO(f.ReplaceGlobal("b", bytes, false, false))};
   for (const auto& change : byteChanges) {
     VFile content("abc");
     change(content);

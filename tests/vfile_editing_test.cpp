@@ -124,16 +124,12 @@ TEST(Editing, AConstructorThatHaltsLeavesNothingOfItself) {
   {
     const VFile source(text.c_str());
     const support::FullDisk disk(0);
-    const std::function<void()> constructions[] = {
-        [&] { VFile('x', 5000); },
-        [&] { VFile(text.c_str()); },
-        [&] { VFile(Pipe(text).Handle(), 5000); },
-        [&] {
-          HFile file(host::HandleFromDescriptor(dup(Pipe(text).ends[0])));
-          VFile(file, 5000);
-        },
-        [&] { VFile{source}; },
-    };
+#define CONSTRUCT(...) [&] { __VA_ARGS__; }
+    const Pipe pipe(text);
+    HFile file(host::HandleFromDescriptor(dup(Pipe(text).ends[0])));
+    const std::function<void()> constructions[] = {CONSTRUCT(VFile('x', 5000)), CONSTRUCT(VFile(text.c_str())),
+                                                   CONSTRUCT(VFile(pipe.Handle(), 5000)), CONSTRUCT(VFile(file, 5000)),
+                                                   CONSTRUCT(VFile{source})};
     for (const auto& construct : constructions) {
       EXPECT_NE(support::HaltOf(construct), "") << &construct - constructions;
       EXPECT_EQ(vfile::GetOpenFileCount(), 1) << &construct - constructions;
