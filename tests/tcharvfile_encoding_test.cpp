@@ -57,10 +57,11 @@ TEST_F(TextFiles, AreAsByADecoderOfTheirOwn) {
       "80/F1 80 80/F3 BF C3/F4 8F BF/F4 90 80 80/F5 80/F8 88 80 80 80/E2 82 F0 9F 98/F0 9F 98 E2");
   for (std::string row; std::getline(rows, row, '/');) files.push_back(Hex<std::string>(row));
   for (std::size_t i = 4; i < 44; ++i) files.push_back(files[i] + "aaaaaaa\xF0\x9F\x98\x80");
+  int number = 0;
   for (const std::string& bytes : files) {
+    ++number;
     for (const int form : {-1, 0, 1, 2, 3, 4}) {
-      EXPECT_NO_THROW(fuzz::CheckForm(Path("text"), bytes, form, form % 2 == 0))
-          << testing::PrintToString(bytes) << form;
+      EXPECT_NO_THROW(fuzz::CheckForm(Path("text"), bytes, form, (number + form) % 2 == 0)) << number << " " << form;
     }
   }
 }

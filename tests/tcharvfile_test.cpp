@@ -142,6 +142,12 @@ TEST(TextSearch, KnowsWhatItCannotFind) {
               found);
     EXPECT_EQ(std::pair(at, text.res), std::pair(to, res)) << &wanted;
   }
+  TextPeek letters;
+  letters = TSTR("a\u00C4[");
+  for (const TChar* wanted : {TSTR("{"), TSTR("\u00E4")}) {
+    I32 at = 0;
+    EXPECT_FALSE(letters.FindTChars(at, wanted, true, false));
+  }
   std::thread([&] {
     I32 at = 0;
     EXPECT_TRUE(text.FindTChars(at, TSTR(""), false, false));
