@@ -142,6 +142,8 @@ TEST(TextSearch, KnowsWhatItCannotFind) {
               found);
     EXPECT_EQ(std::pair(at, text.res), std::pair(to, res)) << &wanted;
   }
+  I32 start = 0;
+  EXPECT_TRUE(text.FindTChars(start, TSTR("ab"), false, true)) << "half a unit is no letter";
   TextPeek letters;
   letters = TSTR("a\u00C4[");
   for (const TChar* wanted : {TSTR("{"), TSTR("\u00E4")}) {
