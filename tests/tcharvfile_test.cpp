@@ -1,12 +1,12 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <thread>
 
 #include "support/Halts.h"
-#include "support/Heap.h"
 #include "support/HugeString.h"
 #include "support/Texts.h"
 
-using support::TextPeek;
+using support::I32, support::TextPeek;
 
 namespace {
 
@@ -16,32 +16,23 @@ TEST(Units, AreTwoBytesEach) {
   EXPECT_EQ(odd.TCharLength(), 2);
   EXPECT_EQ(odd.GetTCharPos(), 2);
   EXPECT_EQ(odd.pos, 5);
-  // From unit 1: the byte where it then stands, or -1 for a refusal that left it there.
-  const auto move = [&](auto... where) {
+  // Where the byte then stands, or -1 for a refusal that left it at unit 1.
+  const std::tuple<I32, I32, I32> moves[] = {{0x3FFFFFFF, 0, 5}, {0x40000000, 0, 5}, {-1, 0, -1}, {1, 1, 4},
+                                             {-2, 1, -1},        {-1, 2, 3},         {0, 3, -1}};
+  for (const auto& [offset, origin, to] : moves) {
     odd.SetPos(2);
-    odd.SetTCharPos(where...);
-    return odd.res == resDone ? odd.pos : odd.res == resCallError && odd.pos == 2 ? -1 : -2;
-  };
-  EXPECT_EQ(move(0x3FFFFFFF), 5);
-  EXPECT_EQ(move(0x40000000), 5);
-  EXPECT_EQ(move(-1), -1);
-  EXPECT_EQ(move(-0x3FFFFFFF), -1);
-  EXPECT_EQ(move(0x40000000, 0), 5);
-  EXPECT_EQ(move(1, 1), 4);
-  EXPECT_EQ(move(-2, 1), -1);
-  EXPECT_EQ(move(-1, 2), 3);
-  EXPECT_EQ(move(0, 3), -1);
+    origin == 0 ? odd.SetTCharPos(offset) : odd.SetTCharPos(offset, origin);
+    EXPECT_EQ(std::pair(odd.pos, odd.res), to < 0 ? std::pair(2, I32{resCallError}) : std::pair(to, I32{resDone}))
+        << to;
+  }
   EXPECT_EQ(TCharVFile(odd, 1, 1).ToString(), TSTR("b"));
   EXPECT_EQ(TCharVFile(odd, 0, 0x40000000).TCharLength(), 2);
-  EXPECT_TRUE(TCharVFile(odd, 0x40000000).Eof());
   EXPECT_EQ(TCharVFile(odd, -1).res, resCallError);
   TChar unit = 0;
   TChar units[3] = {};
-  move(1);
+  odd.SetTCharPos(1);
   EXPECT_EQ(odd.ReadTChars(units, 0x40000000), 1);
-  EXPECT_EQ(units[0], 'b');
-  EXPECT_TRUE(odd.eof);
-  EXPECT_EQ(odd.pos, 5);
+  EXPECT_EQ(std::tuple(char(units[0]), odd.pos, odd.eof), std::tuple('b', 5, true));
   EXPECT_EQ(odd.ReadTChars(units, -1), 0);
   EXPECT_EQ(odd.res, resCallError);
   // clang-format off
@@ -112,106 +103,71 @@ TEST(Editing, IsAChangeOfEachOperationsOwn) {
   }
 }
 
+// The text "a" with half a unit behind it, then NUL, CR and half of one.
 TEST(Lines, AreReadAndExported) {
   TextPeek text;
   text.ReplaceBuf(0, 0, "a", 1);
-  text.res = resTooLong;
   EXPECT_EQ(text.ToString(), TString()) << "nothing to export";
   EXPECT_EQ(text.pos, 1);
-  EXPECT_EQ(text.res, resTooLong);
-  text.res = resDone;
   text.ReplaceBuf(1, 0, "\0\0\0\r\0\n", 6);
-  text.res = resTooLong;
   EXPECT_EQ(text.ToString(), (TString{'a', 0, '\r'}));
-  EXPECT_EQ(text.res, resDone);
-  EXPECT_EQ(text.pos, 6);
-  EXPECT_FALSE(text.eof);
+  EXPECT_EQ(std::pair(text.pos, text.eof), std::pair(6, false));
   TChar line[5] = {};
   text.Reset();
   EXPECT_EQ(text.ReadLine(line, 5), 2) << "CR and half a unit";
-  EXPECT_FALSE(text.eof);
-  EXPECT_EQ(text.pos, 6);
-  EXPECT_EQ(text.ReadLine(nullptr, 5), 0);
-  EXPECT_EQ(text.res, resCallError);
-  EXPECT_EQ(text.pos, 6);
-  text.SetPos(0);
-  EXPECT_EQ(text.ReadLine(line, 0), 0);
-  EXPECT_EQ(text.res, resCallError);
-  EXPECT_EQ(text.pos, 0);
-  EXPECT_EQ(line[0], 'a');
-}
-
-TEST(Lines, AreNotExportedWithoutMemory) {
-  TextPeek text;
-  text = TString(100, u'x').c_str();
-  text.SetTCharPos(7);
-  TString exported;
-  {
-    const support::FailingHeap heap(1, support::FailingHeap::kAll);
-    exported = text.ToString();
+  EXPECT_EQ(std::pair(text.pos, text.eof), std::pair(6, false));
+  for (const auto& [buffer, size] : {std::pair(static_cast<TChar*>(nullptr), 5), {line, 0}}) {
+    text.SetPos(0);
+    EXPECT_EQ(text.ReadLine(buffer, size), 0);
+    EXPECT_EQ(std::pair(text.pos, text.res), std::pair(0, I32{resCallError}));
+    EXPECT_EQ(line[0], 'a');
   }
-  EXPECT_EQ(exported, TString());
-  EXPECT_EQ(text.res, resHeapOverflow);
-  EXPECT_EQ(text.GetTCharPos(), 7);
 }
 
 TEST(TextSearch, KnowsWhatItCannotFind) {
   TextPeek text;
   text.ReplaceBuf(0, 0, "a\0b\0b", 5);
-  std::int32_t at = MaxLen;
-  EXPECT_TRUE(text.FindTChars(at, TString{0, 'a'}, false, true)) << "empty";
-  EXPECT_TRUE(text.FindBackTChars(at, TSTR(""), false, false)) << "empty";
-  EXPECT_EQ(at, MaxLen);
-  EXPECT_EQ(text.pos, 5);
-  EXPECT_FALSE(text.FindTChars(at, TSTR("a"), false, false));
-  EXPECT_TRUE(text.eof);
-  at = MaxLen;
-  EXPECT_TRUE(text.FindBackTChars(at, TString{'b', 0, 'x'}, false, false));
-  EXPECT_EQ(at, 1);
-  EXPECT_FALSE(text.FindTChars(at, TSTR("b"), false, true));
-  at = 0;
-  EXPECT_TRUE(text.FindTChars(at, TSTR("ab"), false, true));
+  // clang-format off
+  const std::tuple<bool, I32, TString, bool, bool, I32, I32> rows[] = {  // back, from, text, any case; found, to, res
+      {false, MaxLen, TString{0, 'a'}, false, true, MaxLen, resDone}, {true, MaxLen, TSTR(""), false, true, MaxLen, resDone},
+      {false, MaxLen, TSTR("a"), false, false, INT32_MIN, resDone}, {true, MaxLen, TString{'b', 0, 'x'}, false, true, 1, resDone},
+      {false, 1, TSTR("b"), false, true, 2, resDone}, {false, 2, TSTR("b"), false, false, 3, resDone},
+      {false, 0, TSTR("AB"), true, true, 2, resDone}, {false, 0, TSTR("{"), true, false, 3, resDone},
+      {false, -1, TSTR("a"), false, false, -1, resCallError}, {true, -1, TSTR("a"), false, false, -1, resCallError}};
+  // clang-format on
+  for (const auto& [back, from, wanted, anyCase, found, to, res] : rows) {
+    I32 at = from;
+    text.Reset();
+    EXPECT_EQ(back ? text.FindBackTChars(at, wanted, anyCase, false) : text.FindTChars(at, wanted, anyCase, false),
+              found);
+    EXPECT_EQ(std::pair(at, text.res), std::pair(to, res)) << &wanted;
+  }
+  I32 start = 0;
+  EXPECT_TRUE(text.FindTChars(start, TSTR("ab"), false, true)) << "half a unit is no letter";
+  TextPeek letters;
+  letters = TSTR("a\u00C4[");
+  for (const TChar* wanted : {TSTR("{"), TSTR("\u00E4")}) {
+    I32 at = 0;
+    EXPECT_FALSE(letters.FindTChars(at, wanted, true, false));
+  }
   std::thread([&] {
+    I32 at = 0;
     EXPECT_TRUE(text.FindTChars(at, TSTR(""), false, false));
     EXPECT_ASSERTION("VFile", text.FindBackTChars(at, TSTR("a"), false, false));
   }).join();
-  at = -1;
-  EXPECT_FALSE(text.FindTChars(at, TSTR("a"), false, false));
-  EXPECT_EQ(text.res, resCallError);
-  text.Reset();
-  EXPECT_FALSE(text.FindBackTChars(at, TSTR("a"), false, false));
-  EXPECT_EQ(text.res, resCallError);
-  EXPECT_EQ(at, -1);
-  EXPECT_EQ(text.ReplaceGlobalTChars(TSTR("c"), TSTR("x"), false, false), 0);
-  EXPECT_EQ(text.res, resDone);
-  text = TSTR("aaa\u00C4[");
-  for (const auto& [wanted, found] : {std::pair(TSTR("AaA"), true), {TSTR("{"), false}, {TSTR("\u00E4"), false}}) {
-    at = 0;
-    EXPECT_EQ(text.FindTChars(at, wanted, true, false), found);
-  }
-  text.allowed = 2;
-  EXPECT_EQ(text.ReplaceGlobalTChars(TSTR("a"), TSTR("b"), false, false), 2);
-  EXPECT_EQ(text.res, resNotSupported);
-  EXPECT_EQ(text.Units(), TSTR("bba\u00C4["));
-}
-
-TEST(TextSearch, ReplacesInAnyCaseUpToTheEndByAChangeOfItsOwn) {
-  TextPeek text;
-  text = TSTR("xaBabAb");
-  EXPECT_EQ(text.ReplaceGlobalTChars(TSTR("Ab"), TSTR("ab\u00E9"), true, false), 3);
-  EXPECT_EQ(text.Units(), TSTR("xab\u00E9ab\u00E9ab\u00E9"));
-  EXPECT_EQ(text.log, "");
 }
 
 TEST(HugeStrings, AreTooLongAndNeverCut) {
   if (!support::kHasHugeStrings) GTEST_SKIP() << "no room for them";
   const support::HugeString huge;
+  const char* bytes = huge.Bytes(support::HugeString::kNoCount);
   const TChar* units = huge.Units(support::HugeString::kNoCount);
-  const std::function<void(TextPeek&)> changes[] = {
-      DO(f << units),
-      DO(f = units),
-      DO(f.ReplaceGlobalTChars(TSTR("b"), units, false, false)),
-  };
+  HFile file(host::HandleFromDescriptor(open("/dev/null", O_WRONLY)));
+  file.Write(bytes);
+  EXPECT_EQ(file.res, resTooLong);
+  EXPECT_EQ(VFile(bytes).res, resTooLong);
+  const std::function<void(TextPeek&)> changes[] = {DO(f << units), DO(f = units),
+                                                    DO(f.ReplaceGlobalTChars(TSTR("b"), units, false, false))};
   for (const auto& change : changes) {
     TextPeek text;
     text = TSTR("abc");
@@ -219,6 +175,22 @@ TEST(HugeStrings, AreTooLongAndNeverCut) {
     EXPECT_EQ(text.res, resTooLong) << &change - changes;
     EXPECT_EQ(text.Units(), TSTR("abc")) << &change - changes;
   }
+  const std::function<void(VFile&)> byteChanges[] = {DO(f.Insert(bytes)), DO(f = bytes),
+                                                     DO(f.ReplaceGlobal("b", bytes, false, false))};
+  for (const auto& change : byteChanges) {
+    VFile content("abc");
+    change(content);
+    EXPECT_EQ(content.res, resTooLong) << &change - byteChanges;
+    EXPECT_TRUE(content == "abc") << &change - byteChanges;
+  }
+  VFile content("axx");
+  content.SetFlags(vfReadOnly);
+  content.Append(bytes);
+  EXPECT_EQ(content.res, resReadOnly);
+  I32 at = 0;
+  EXPECT_FALSE(content.Find(at, huge.Bytes(support::HugeString::kCutToOne), false, false));
+  EXPECT_TRUE(content.eof);
+  EXPECT_TRUE(content < bytes);
 }
 
 }  // namespace

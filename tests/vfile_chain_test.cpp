@@ -33,6 +33,12 @@ TEST(Life, FilesOfAThreadShareItsSpaceAndItsSettingsOutliveThem) {
 }
 
 TEST(Life, BlocksAndPagesAreRecycled) {
+  OnAnotherThread([] {
+    Peek late;
+    { const Chain pooled({9}); }
+    late.Append("x");
+    EXPECT_LT(late.first->addr, 2048) << "a page of the pool";
+  });
   const VFile keepsTheThread;
   std::set<I32> pages;
   for (int round = 0; round < 2; ++round) {

@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "support/Chains.h"
-#include "support/Files.h"
 #include "support/FullDisk.h"
 #include "support/Halts.h"
-#include "support/HugeString.h"
 #include "tcharvfile/TCharVFile.h"
 #include "vfile/ThreadValues.h"
 
@@ -126,16 +124,12 @@ TEST(Editing, AConstructorThatHaltsLeavesNothingOfItself) {
   {
     const VFile source(text.c_str());
     const support::FullDisk disk(0);
-    const std::function<void()> constructions[] = {
-        [&] { VFile('x', 5000); },
-        [&] { VFile(text.c_str()); },
-        [&] { VFile(Pipe(text).Handle(), 5000); },
-        [&] {
-          HFile file(host::HandleFromDescriptor(dup(Pipe(text).ends[0])));
-          VFile(file, 5000);
-        },
-        [&] { VFile{source}; },
-    };
+#define CONSTRUCT(...) [&] { __VA_ARGS__; }
+    const Pipe pipe(text);
+    HFile file(host::HandleFromDescriptor(dup(Pipe(text).ends[0])));
+    const std::function<void()> constructions[] = {CONSTRUCT(VFile('x', 5000)), CONSTRUCT(VFile(text.c_str())),
+                                                   CONSTRUCT(VFile(pipe.Handle(), 5000)), CONSTRUCT(VFile(file, 5000)),
+                                                   CONSTRUCT(VFile{source})};
     for (const auto& construct : constructions) {
       EXPECT_NE(support::HaltOf(construct), "") << &construct - constructions;
       EXPECT_EQ(vfile::GetOpenFileCount(), 1) << &construct - constructions;
@@ -145,96 +139,39 @@ TEST(Editing, AConstructorThatHaltsLeavesNothingOfItself) {
   VFile::SetMaxCacheSize(70);
 }
 
-using HugeStrings = support::InDirectory;
-
-TEST_F(HugeStrings, AreTooLongAndNeverCut) {
-  using Huge = support::HugeString;
-  if (!support::kHasHugeStrings) GTEST_SKIP() << "no room for them";
-  const Huge huge;
-  const char* text = huge.Bytes(Huge::kNoCount);
-  const TString name = Name("file");
-  HFile file;
-  EXPECT_TRUE(file.Create(name.c_str(), false));
-  file.Write(text);
-  EXPECT_EQ(file.res, resTooLong);
-  EXPECT_EQ(file.Length(), 0);
-  EXPECT_EQ(VFile(text).res, resTooLong);
-  const std::function<void(Peek&)> changes[] = {
-      DO(f.Insert(text)),
-      DO(f = text),
-      DO(f.ReplaceGlobal("b", text, false, false)),
-  };
-  for (const auto& change : changes) {
-    Peek content("abc");
-    change(content);
-    EXPECT_EQ(content.res, resTooLong) << &change - changes;
-    EXPECT_EQ(Bytes(content), "abc") << &change - changes;
-  }
-  Peek content("axx");
-  content.SetFlags(vfReadOnly);
-  content.Append(text);
-  EXPECT_EQ(content.res, resReadOnly);
-  I32 at = 0;
-  EXPECT_FALSE(content.Find(at, huge.Bytes(Huge::kCutToOne), false, false));
-  EXPECT_TRUE(content.eof);
-  EXPECT_TRUE(content < text);
-}
-
 // ---- What compiles ----
 
+#define TAKES(call) \
+  requires(VFile & f, Source s) { f.call; }
+
+// clang-format off
 template <typename Source>
 constexpr int kHandleForms = std::is_constructible_v<HFile, Source> + std::is_constructible_v<VFile, Source, int> +
-                             requires(VFile& f, Source s) {
-  f.ReplaceFile(0, 0, s, 1);
-}
-+ requires(VFile& f, Source s) {
-  f.InsertFromFile(s, 1);
-}
-+ requires(VFile& f, Source s) {
-  f.ReplaceFromFile(s, 1);
-}
-+ requires(VFile& f, Source s) {
-  f.WriteFromFile(s, 1);
-}
-+ requires(VFile& f, Source s) {
-  f.AppendFromFile(s, 1);
-}
-+ requires(VFile& f, Source s) {
-  f.PrependFromFile(s, 1);
-}
-+ requires(VFile& f, Source s) {
-  f.ReadFromFile(s, 1);
-}
-+ requires(VFile& f, Source s) {
-  f.WriteToFile(s, 1);
-};
-template <typename... Source>
-constexpr bool kHandles = (... && (kHandleForms<Source> == 10));
-template <typename... Source>
-constexpr bool kNoHandles = (... && (kHandleForms<Source> == 0));
+    TAKES(ReplaceFile(0, 0, s, 1)) + TAKES(InsertFromFile(s, 1)) + TAKES(ReplaceFromFile(s, 1)) +
+    TAKES(WriteFromFile(s, 1)) + TAKES(AppendFromFile(s, 1)) + TAKES(PrependFromFile(s, 1)) + TAKES(ReadFromFile(s, 1)) +
+    TAKES(WriteToFile(s, 1));
+// clang-format on
+template <int forms, typename... Source>
+constexpr bool kAllTake = (... && (kHandleForms<Source> == forms));
 
-static_assert(kHandles<HANDLE, std::nullptr_t, int*, HFile*>);
-static_assert(kNoHandles<char*, signed char*, unsigned char*, wchar_t*, char8_t*, char16_t*, char32_t*>);
-static_assert(kNoHandles<const char*, const unsigned char*, const TChar*, char (&)[3], const wchar_t (&)[3]>);
+static_assert(kAllTake<10, HANDLE, std::nullptr_t, int*, HFile*>);
+static_assert(kAllTake<0, char*, signed char*, unsigned char*, wchar_t*, char8_t*, char16_t*, char32_t*, const char*,
+                       const unsigned char*, const TChar*, char (&)[3], const wchar_t (&)[3]>);
 
 template <typename File, typename Value>
 concept Writes = requires(File& file, Value value) {
   file << value;
 };
 template <typename File, typename... Value>
-constexpr bool kWrites = (... && Writes<File, Value>);
-template <typename File, typename... Value>
-constexpr bool kRefuses = (... && !Writes<File, Value>);
+constexpr int kWritten = (0 + ... + Writes<File, Value>);
+#define OF_ALL short, unsigned, long, unsigned long long, Res
+#define OF_NONE bool, char8_t, char32_t, std::conditional_t<std::is_same_v<TChar, wchar_t>, char16_t, wchar_t>
 
-static_assert(kWrites<VFile, char, signed char, unsigned char, const char*, const VFile&>);
-static_assert(kWrites<HFile, char, signed char, unsigned char, const char*>);
-static_assert(kWrites<TCharVFile, TChar, const TChar*, const TString&, const TCharVFile&>);
-static_assert(kWrites<VFile, short, unsigned, long, unsigned long long, Res>);
-static_assert(kWrites<HFile, short, unsigned, long, unsigned long long, Res>);
-static_assert(kWrites<TCharVFile, short, unsigned, long, unsigned long long, Res>);
-static_assert(kRefuses<VFile, bool, wchar_t, char8_t, char16_t, char32_t, const TChar*>);
-static_assert(kRefuses<HFile, bool, wchar_t, char8_t, char16_t, char32_t, const TChar*>);
-static_assert(kRefuses<TCharVFile, bool, char, signed char, unsigned char, char8_t, char32_t, const char*>);
-static_assert(kRefuses<TCharVFile, std::conditional_t<std::is_same_v<TChar, wchar_t>, char16_t, wchar_t>>);
+static_assert(kWritten<VFile, OF_ALL, char, signed char, unsigned char, const char*, const VFile&> == 10);
+static_assert(kWritten<HFile, OF_ALL, char, signed char, unsigned char, const char*> == 9);
+static_assert(kWritten<TCharVFile, OF_ALL, TChar, const TChar*, const TString&, const TCharVFile&> == 9);
+static_assert(kWritten<VFile, OF_NONE, wchar_t, char16_t, const TChar*> == 0);
+static_assert(kWritten<HFile, OF_NONE, wchar_t, char16_t, const TChar*> == 0);
+static_assert(kWritten<TCharVFile, OF_NONE, char, signed char, unsigned char, const char*> == 0);
 
 }  // namespace

@@ -35,23 +35,19 @@ std::vector<Operation> Operations(const Peek& other) {
   const auto fromPipe = [](VFile& file, I32 at, I32 del, I32 count) {
     file.ReplaceFile(at, del, Pipe(kNew).Handle(), count);
   };
+  // clang-format off
   return {
-      {"in a block", DO(f.ReplaceBuf(1500, 3, "x", 1)), 0},
-      {"a block is split", DO(f.ReplaceBuf(500, 0, "x", 1)), 2000},
-      {"blocks come in", DO(f.ReplaceBuf(500, 200, kNew.data(), 2500)), 0},
-      {"blocks go out", DO(f.Delete(500, 2000)), 4000},
+      {"in a block", DO(f.ReplaceBuf(1500, 3, "x", 1)), 0}, {"a block is split", DO(f.ReplaceBuf(500, 0, "x", 1)), 2000},
+      {"blocks come in", DO(f.ReplaceBuf(500, 200, kNew.data(), 2500)), 0}, {"blocks go out", DO(f.Delete(500, 2000)), 4000},
       {"a block is cut in its page", DO(f.Delete(1024, 900)), 0},
       {"a block is cut into the new one", DO(fromPipe(f, 1024, 1200, 400)), 0},
       {"the block behind is joined", DO(fromPipe(f, 3772, 0, 100)), 0},
       {"the file is its own source", DO(f.ReplaceTxt(100, 0, f, 50, 3000)), 4000},
       {"from another file", DO(f.ReplaceTxt(2000, 900, other, 10, 1900)), 0},
       {"in a block from another file", DO(f.ReplaceTxt(3800, 9, other, 1000, 30)), 0},
-      {"the first block goes", DO(f.Delete(0, 1024)), 3000},
-      {"all goes", DO(f.Delete(0, MaxLen)), 3000},
-      {"all is replaced", DO(f = other), 3000},
-      {"a far move", DO(f.SetPos(4000)), 1500},
-      {"the buffer is given up", DO(f.Flush()), 1500},
-  };
+      {"all goes", DO(f.Delete(0, MaxLen)), 3000}, {"all is replaced", DO(f = other), 3000},
+      {"a far move", DO(f.SetPos(4000)), 1500}, {"the buffer is given up", DO(f.Flush()), 1500}};
+  // clang-format on
 }
 
 /// A thread's files before an operation: pages in the pool and in the free list, two files, all of it in the swap file but what the
@@ -150,18 +146,14 @@ TEST(Halts, ReadsEndWhereAPageIsRefused) {
   const Chain same({1024, 1024, 1024});
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
+  const HANDLE sink = host::HandleFromDescriptor(ends[1]);
+#define READ(result) [&](Peek& f) { return result; }
+  // clang-format off
   const std::function<bool(Peek&)> reads[] = {
-      [&](Peek& f) { return f.ReadBytes(bytes, 3072) == 1024; },
-      [&](Peek& f) { return f.ReadTxt(bytes, 4000, 1024, 2048) == 0; },
-      [&](Peek& f) { return f.ReadLine(bytes, 4000) == 9; },
-      [&](Peek& f) { return f.Find(at, Pattern(9, 3000).c_str(), false, false); },
-      [&](Peek& f) { return f.LineEnd(1500, false) >= 0; },
-      [&](Peek& f) { return f == same || f < same; },
-      [&](Peek& f) {
-        f.WriteToFile(host::HandleFromDescriptor(ends[1]), 3072);
-        return f.res == resDone;
-      },
-  };
+      READ(f.ReadBytes(bytes, 3072) == 1024), READ(f.ReadTxt(bytes, 4000, 1024, 2048) == 0),
+      READ(f.ReadLine(bytes, 4000) == 9), READ(f.Find(at, Pattern(9, 3000).c_str(), false, false)),
+      READ(f.LineEnd(1500, false) >= 0), READ(f == same || f < same), DO(f.WriteToFile(sink, 3072); return f.res == resDone)};
+  // clang-format on
   for (std::size_t row = 0; row < std::size(reads); ++row) {
     SCOPED_TRACE(row);
     Chain file({1024, 1024, 1024});
@@ -194,29 +186,17 @@ TEST(Room, IsLookedAtBeforeItIsUsed) {
   const int regular = memfd_create("source", 0);
   ASSERT_EQ(write(regular, kNew.data(), kNew.size()), 3000);
   const HANDLE file = host::HandleFromDescriptor(regular);
-  const auto insert = [](I32 at, I32 count) {
-    return [at, count](Peek& target) { target.ReplaceBuf(at, 0, kNew.data(), count); };
-  };
+  // clang-format off
   const RoomRow rows[] = {
-      {DO(f.ReplaceBuf(500, 1, "x", 1)), 0},
-      {DO(f.Delete(0, MaxLen)), 0},
-      {DO(f.Delete(500, 1)), 0},
-      {DO(f.Delete(500, 900)), 0},
-      {insert(1524, 524), 0},
-      {insert(1524, 525), 1},
-      {insert(500, 1), 1},
-      {insert(500, 2048), 2},
-      {insert(500, 2049), 3},
-      {DO(f.ReplaceBuf(500, 524, kNew.data(), 1548)), 1},
-      {DO(f.ReplaceTxt(1024, 0, f, 0, MaxLen)), 1},
-      {DO(f = f), 1},
-      {DO(f.SetPos(0); f.InsertFromFile(file, 2048)), 3},
-      {DO(f.SetPos(9); f.InsertFromFile(file, 8)), 1},
-      {DO(f.SetPos(9); f.InsertFromFile(file, 18)), 2},
-      {DO(f.SetPos(9); f.InsertFromFile(file, MaxLen)), 4},
-      {DO(f.AppendFromFile(Pipe(kNew).Handle(), MaxLen)), 3},
-      {DO(VFile copy(f); f.res = copy.res), 2},
-  };
+      {DO(f.ReplaceBuf(500, 1, "x", 1)), 0}, {DO(f.Delete(0, MaxLen)), 0}, {DO(f.Delete(500, 1)), 0},
+      {DO(f.Delete(500, 900)), 0}, {DO(f.ReplaceBuf(1524, 0, kNew.data(), 524)), 0},
+      {DO(f.ReplaceBuf(1524, 0, kNew.data(), 525)), 1}, {DO(f.ReplaceBuf(500, 0, "x", 1)), 1},
+      {DO(f.ReplaceBuf(500, 0, kNew.data(), 2048)), 2}, {DO(f.ReplaceBuf(500, 0, kNew.data(), 2049)), 3},
+      {DO(f.ReplaceBuf(500, 524, kNew.data(), 1548)), 1}, {DO(f.ReplaceTxt(1024, 0, f, 0, MaxLen)), 1}, {DO(f = f), 1},
+      {DO(f.SetPos(0); f.InsertFromFile(file, 2048)), 3}, {DO(f.SetPos(9); f.InsertFromFile(file, 8)), 1},
+      {DO(f.SetPos(9); f.InsertFromFile(file, 18)), 2}, {DO(f.SetPos(9); f.InsertFromFile(file, MaxLen)), 4},
+      {DO(f.AppendFromFile(Pipe(kNew).Handle(), MaxLen)), 3}, {DO(VFile copy(f); f.res = copy.res), 2}};
+  // clang-format on
   for (std::size_t row = 0; row < std::size(rows); ++row) {
     const auto& [run, pages] = rows[row];
     for (const I32 left : {pages - 1, pages}) {

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <random>
+#include <vector>
 
 #include "fuzz/Machine.h"
 #include "support/Halts.h"
@@ -17,7 +18,7 @@ struct Writer {
   }
   std::string Text() {
     std::string text;
-    for (int count = 1 + Below(4); count > 0; --count) text += "aabA/\\"[Below(6)];
+    for (int count = 1 + Below(4); count > 0; --count) text += "aabA/\\_"[Below(7)];
     return text;
   }
   std::string Line(char operation, int file, int length) {
@@ -40,7 +41,7 @@ struct Writer {
 };
 
 TEST(Model, FilesAreStringsUnderAllOperations) {
-  const std::string operations = "bbbcchhppqqtttttssrrxxnweffglkdmmouu=";
+  const std::string operations = "bbbcchhppqqtttttssrrxxnnwiiieffgllkdmmouu=";
   const char* given = std::getenv("VFILE_SEED");
   const auto seed = given != nullptr ? static_cast<unsigned>(std::atoll(given)) : std::random_device()();
   std::fprintf(stderr, "VFILE_SEED=%u\n", seed);
@@ -56,6 +57,33 @@ TEST(Model, FilesAreStringsUnderAllOperations) {
     if (machine.pair->res != resDone && writer.Below(2) == 0) machine.Rewind();
   }
   VFile::SetMaxCacheSize(70);
+}
+
+// Every text of up to five of four bytes, cut at every place; then lines of several blocks.
+TEST(Model, LinesAreFoundInEveryShortTextAndInLongOnes) {
+  const support::ThrowHalts throwing;
+  const auto walk = [](const std::vector<std::string>& blocks, const std::vector<std::string>& places) {
+    fuzz::Machine machine;
+    for (const std::string& block : blocks) {
+      const std::string size = std::to_string(block.size());
+      machine.Step("p 0 end 0 " + size + " " + size + " " + block);
+    }
+    for (const std::string& at : places)
+      EXPECT_NO_THROW(machine.Step("l 0 " + at)) << testing::PrintToString(blocks) << at;
+    for (int i = 0; i < 7; ++i) EXPECT_NO_THROW(machine.Step("i 0")) << testing::PrintToString(blocks);
+  };
+  for (std::size_t n = 1; n <= 5; ++n) {
+    for (int i = 0; i < 1 << (2 * n); ++i) {
+      std::string text;
+      for (std::size_t k = 0; k < n; ++k) text += "a_\\/"[i >> (2 * k) & 3];
+      for (std::size_t cut = 0; cut < n; ++cut) {
+        walk({text.substr(0, cut), text.substr(cut)}, {"-1", "0", "1", "2", "3", "4", "5", "6", "max"});
+      }
+    }
+  }
+  const std::string blanks(1024, '_');
+  walk({blanks, blanks, std::string(1024, 'x'), std::string(500, 'x') + "\\", "/" + blanks.substr(9), blanks},
+       {"1", "2000", "3100", "3571", "3572", "3573", "3574", "4602", "end"});
 }
 
 }  // namespace

@@ -25,53 +25,6 @@ TEST(Reading, ValuesAreLittleEndianAndTheRestStays) {
   EXPECT_EQ(file.res, resDone);
 }
 
-// Each text in blocks of every length: the text, the bytes that each character took, the lines cut to two characters.
-TEST(Reading, TextFoldsLineEnds) {
-  const std::tuple<std::string, std::string, std::string, std::string> rows[] = {
-      {"\r", "\n", "1", "|"},
-      {"\rx\r\r\n\n\ry", "\nx\n\n\n\ny", "1112111", "|x||||y|"},
-      {"abc\r\nde\rfg\n", "abc\nde\nfg\n", "1112111111", "ab|de|fg|"}};
-  for (const auto& [text, folded, consumed, lines] : rows) {
-    for (std::size_t n = 1; n <= text.size(); ++n) {
-      Lengths lens(text.size() / n, static_cast<int>(n));
-      if (text.size() % n > 0) lens.push_back(static_cast<int>(text.size() % n));
-      Chain file(lens, text);
-      std::string readFolded;
-      std::string readConsumed;
-      char ch;
-      file.Reset();
-      while (const I32 got = file.Read(ch)) {
-        readFolded += ch;
-        readConsumed += std::to_string(got);
-      }
-      EXPECT_EQ(readFolded, folded);
-      EXPECT_EQ(readConsumed, consumed);
-      EXPECT_TRUE(file.eof);
-      EXPECT_EQ(ch, '\0');
-      std::string readLines;
-      file.Reset();
-      while (!file.Eof()) {
-        char line[3];
-        EXPECT_LE(file.ReadLine(line, 3), 2);
-        readLines += line;
-        readLines += "|";
-      }
-      EXPECT_EQ(readLines, lines);
-      file.SetPos(-1, 2);
-      file.Read(ch);
-      EXPECT_FALSE(file.eof);
-      file.Reset();
-      ch = 'x';
-      EXPECT_EQ(file.ReadLine(&ch, 1), 0);
-      EXPECT_EQ(ch, '\0');
-      EXPECT_FALSE(file.Bof());
-      EXPECT_EQ(file.res, resDone);
-      EXPECT_EQ(file.ReadLine(&ch, 0), 0);
-      EXPECT_EQ(file.res, resCallError);
-    }
-  }
-}
-
 TEST(Reading, TakesWhatTheBufferHolds) {
   Chain file({2, 3}, "abcde");
   char byte = 'x';
@@ -80,17 +33,83 @@ TEST(Reading, TakesWhatTheBufferHolds) {
   EXPECT_EQ(file.GetPos(), 1);
   EXPECT_EQ(file.ReadBytes(nullptr, 0), 0);
   EXPECT_EQ(file.res, resDone);
-  const std::function<I32(Peek&)> refused[] = {
-      [](Peek& f) { return f.ReadBytes(nullptr, 1); },
-      [](Peek& f) { return f.ReadLine(nullptr, 9); },
-      [](Peek& f) { return f.ReadTxt(nullptr, 9, 0, 1); },
-  };
+  const std::function<I32(Peek&)> refused[] = {DO(return f.ReadBytes(nullptr, 1)), DO(return f.ReadLine(nullptr, 9)),
+                                               DO(return f.ReadTxt(nullptr, 9, 0, 1))};
   for (const auto& read : refused) {
     file.SetPos(1);
     EXPECT_EQ(read(file), 0) << &read - refused;
-    EXPECT_EQ(file.res, resCallError) << &read - refused;
-    EXPECT_EQ(file.GetPos(), 1) << &read - refused;
+    EXPECT_EQ(std::pair(file.res, file.GetPos()), std::pair(I32{resCallError}, 1)) << &read - refused;
   }
+}
+
+// A word found or not from a place: forward the place behind it, backward its start; and where the file then stands.
+TEST(Search, WantsWholeWordsOfAnyCase) {
+  // clang-format off
+  const std::tuple<std::string, const char*, bool, I32, bool, I32, I32> rows[] = {
+      {"cat", "cat", false, 0, true, 3, 0}, {"(cat)", "cat", false, 0, true, 4, 0},
+      {"cats cat_", "cat", false, 0, true, 8, 4}, {"concat cat1", "cat", false, 0, false, 12, 11},
+      {"xaaa", "aa", false, 0, false, 5, 4}, {"x CaT", "cAt", false, 1, true, 5, 1},
+      {"\xE9 \xC9", "\xC9", false, 0, true, 3, 1}, {"cat", "cat", true, 3, true, 0, 3},
+      {"(cat)", "cat", true, 9, true, 1, 5}, {"_cat 1cat", "cat", true, 9, true, 1, 5},
+      {"concat cat1", "cAT", true, 11, false, -1, 0}, {"aaax", "aa", true, 4, false, -1, 0},
+      {"abc", "", false, 99, true, 99, 3}, {"abc", "", true, 99, true, 99, 3}, {"abc", "abc", false, 9, false, 10, 3}};
+  // clang-format on
+  for (const auto& [text, word, back, from, found, to, pos] : rows) {
+    Chain file({2, static_cast<int>(text.size()) - 2}, text);
+    const auto search = back ? &VFile::FindBack : &VFile::Find;
+    I32 at = from;
+    EXPECT_EQ((file.*search)(at, word, true, true), found) << text;
+    EXPECT_EQ(std::pair(at, file.GetPos()), std::pair(to, pos)) << text;
+  }
+}
+
+/// The six relations of two sides, in the order == != < <= > >=.
+template <typename Left, typename Right>
+std::vector<bool> Relations(const Left& l, const Right& r) {
+  return {l == r, l != r, l<r, l <= r, l> r, l >= r};
+}
+
+TEST(Comparison, IsThatOfByteStringsAndLeavesTheFiles) {
+  VFile changed("abc");
+  changed.SetPos(2);
+  changed.ReplaceByte('d');  // in the scratch buffer alone
+  EXPECT_TRUE(changed == "abd");
+  EXPECT_TRUE(changed > "abc");
+  const std::string k(1023, 'k');
+  // clang-format off
+  const std::string texts[] = {"", "a", "B", "abc", "abd", "abcd", "\xC8", k, k + "a", k + "\xC8", k + "ab",
+                               k + "a" + k + "a", k + "a" + k + "b", std::string("a\0b", 3), std::string("\0", 1)};
+  // clang-format on
+  for (const std::string& left : texts) {
+    for (const std::string& right : texts) {
+      const auto size = static_cast<int>(left.size());
+      Chain chain(size < 2 ? Lengths(left.size(), 1) : Lengths{1, (size - 1) / 2, size / 2}, left);
+      VFile& f = chain;
+      VFile g;
+      g.AppendBytes(right.data(), support::Count(right.size()));
+      f.SetPos(1);
+      f.res = resDiskFull;
+      f.eof = true;
+      EXPECT_EQ(Relations(f, g), Relations(left, right)) << left << " " << right;
+      EXPECT_EQ(Relations(f, right.c_str()), Relations(left, std::string(right.c_str()))) << left << " " << right;
+      EXPECT_EQ(Relations(left.c_str(), g), Relations(std::string(left.c_str()), right)) << left << " " << right;
+      EXPECT_EQ(std::tuple(f.GetPos(), f.res, f.eof, g.Eof()),
+                std::tuple(std::min(1, size), I32{resDiskFull}, true, true));
+    }
+  }
+}
+
+// The page that was read last is the first in the cache.
+TEST(Comparison, ReadsLeftThenRight) {
+  struct Cache : VMem {
+    using VMem::cacheHead;
+  };
+  const Chain left({9});
+  const Chain right({9});
+  VFile::ReleaseCache();
+  EXPECT_TRUE(left <= right);
+  const auto* newest = left.vm->*(&Cache::cacheHead);
+  EXPECT_EQ(newest->addr, right.first->addr);
 }
 
 }  // namespace

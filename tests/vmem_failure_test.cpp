@@ -11,8 +11,6 @@ using namespace support;
 
 namespace {
 
-using Messages = std::vector<std::string>;
-
 /// A space with one cached page, blocks in use, and two on the general list: 424 bytes at 2648, 924 bytes at 100.
 struct Space : Peek {
   struct Block {
@@ -55,6 +53,13 @@ struct Space : Peek {
   std::vector<Block> blocks;  // in use, each with its content
 };
 
+void RunOnFailingDisk(int k, bool throwing, const std::function<void()>& call) {
+  const FailingDisk disk(k);
+  if (throwing) return void(HaltOf(call));
+  const NoteHalts noting;
+  call();
+}
+
 struct Row {
   const char* name;
   std::function<void(Space&)> prepare;
@@ -65,22 +70,17 @@ TEST(VMemFailure, TheAllocatorHandsNothingOutThatItCouldNotWrite) {
   const auto nothing = [](Space&) {};
   const auto drop = [](std::size_t number) { return [number](Space& vm) { vm.Drop(number); }; };
   const auto add = [](std::int32_t len) { return [len](Space& vm) { vm.Add(len); }; };
+  // clang-format off
   const Row rows[] = {
-      {"exact fit at the head", nothing, add(424)},
-      {"exact fit behind it", nothing, add(924)},
-      {"largest block, cut", nothing, add(300)},
-      {"cut, the rest to a class", nothing, add(920)},
-      {"cut, the rest over its length", nothing, add(4)},
-      {"from a class", drop(4), add(3000)},
-      {"a free page", drop(1), add(0)},
-      {"a page behind a gap", nothing, add(0)},
+      {"exact fit at the head", nothing, add(424)}, {"exact fit behind it", nothing, add(924)},
+      {"largest block, cut", nothing, add(300)}, {"cut, the rest to a class", nothing, add(920)},
+      {"cut, the rest over its length", nothing, add(4)}, {"from a class", drop(4), add(3000)},
+      {"a free page", drop(1), add(0)}, {"a page behind a gap", nothing, add(0)},
       {"a gap of four", [](Space& vm) { vm.Add(1024 - vm.maxAddress % 1024 - 4); }, add(0)},
-      {"a block of a new size", nothing, drop(5)},
-      {"a block of a known size", drop(5), [](Space& vm) { vm.Drop(4); }},
+      {"a block of a new size", nothing, drop(5)}, {"a block of a known size", drop(5), drop(4)},
       {"a block to the general list", [](Space& vm) { vm.UseAllClasses(); }, drop(6)},
-      {"a page", nothing, drop(3)},
-      {"1024 bytes off the grid", nothing, drop(7)},
-  };
+      {"a page", nothing, drop(3)}, {"1024 bytes off the grid", nothing, drop(7)}};
+  // clang-format on
   for (const auto& [name, prepare, run] : rows) {
     for (const bool throwing : {true, false}) {
       for (int k = 1, failed = true; failed; ++k) {
@@ -88,16 +88,8 @@ TEST(VMemFailure, TheAllocatorHandsNothingOutThatItCouldNotWrite) {
         Space vm;
         prepare(vm);
         const std::size_t before = vm.blocks.size();
-        {
-          const FailingDisk disk(k);
-          if (throwing) {
-            HaltOf([&, &call = run] { call(vm); });
-          } else {
-            const NoteHalts noting;
-            run(vm);
-          }
-          failed = FailingDisk::HasFailed();
-        }
+        RunOnFailingDisk(k, throwing, [&, &call = run] { call(vm); });
+        failed = FailingDisk::HasFailed();
         // Its owner may not have come to fill a new block.
         if (failed && vm.blocks.size() > before) vm.Fill(vm.blocks.back());
         vm.ExpectSound();
@@ -120,13 +112,9 @@ TEST(VMemFailure, AHaltProcedureMayUseTheSpace) {
     for (std::int32_t page = 0; page < 8; ++page) seen += space->Read(page * 1024, 1) == "" ? "" : ".";
     space->ReleaseCache();
   };
-  const std::function<void(Peek&)> calls[] = {
-      [](Peek& vm) { vm.Touch({7}); },
-      [](Peek& vm) { vm.SetLimit(1); },
-      [](Peek& vm) { vm.ReleaseCache(); },
-      [](Peek& vm) { vm.FlushCache(); },
-      [](Peek& vm) { vm.CopyBytes(0, 7 * 1024, 2000); },
-  };
+#define CALL(call) [](Peek& vm) { vm.call; }
+  const std::function<void(Peek&)> calls[] = {CALL(Touch({7})), CALL(SetLimit(1)), CALL(ReleaseCache()),
+                                              CALL(FlushCache()), CALL(CopyBytes(0, 7 * 1024, 2000))};
   for (const auto& call : calls) {
     Peek vm;
     space = &vm;
@@ -145,28 +133,23 @@ TEST(VMemFailure, AHaltProcedureMayUseTheSpace) {
 }
 
 TEST(VMemFailure, WhatCannotBeWrittenStaysInTheCache) {
-  const std::tuple<std::string, std::function<void(Peek&)>, int> rows[] = {
-      {"FlushCachePtr", [](Peek& vm) { vm.ReleaseCache(); }, 1},
-      {"FlushCachePtr", [](Peek& vm) { vm.SetLimit(0); }, 2},
-      {"FlushCachePtr", [](Peek& vm) { vm.FlushCache(); }, 2},
-      {"ExtendFile", [](Peek& vm) { vm.ReleaseCache(); }, 0},
-  };
+  const std::tuple<std::string, std::function<void(Peek&)>, int> rows[] = {{"FlushCachePtr", CALL(ReleaseCache()), 1},
+                                                                           {"FlushCachePtr", CALL(SetLimit(0)), 2},
+                                                                           {"FlushCachePtr", CALL(FlushCache()), 2},
+                                                                           {"ExtendFile", CALL(ReleaseCache()), 0}};
   for (const auto& [proc, call, written] : rows) {
     Peek vm;
     vm.maxAddress = 9 * 1024;
     vm.Mark({0, 1, 2});
-    if (proc == "ExtendFile") {
-      vm.ReleaseCache();
-      vm.Mark({0, 1, 2, 8});
-    } else {
-      vm.FlushCache();
-      vm.Mark({0, 1, 2});
-    }
+    vm.ReleaseCache();
+    vm.Mark({0, 1, 2});
+    if (proc == "ExtendFile") vm.Mark({8});
     {
       const FailingDisk disk(written + 1, FailingDisk::kWrites);
       const NoteHalts noting;
       call(vm);
-      EXPECT_EQ(noting.Noted(), Messages(1, "VMem, " + proc + "():\nwriting on swap file failed (disk full?)"));
+      EXPECT_EQ(noting.Noted(),
+                std::vector<std::string>(1, "VMem, " + proc + "():\nwriting on swap file failed (disk full?)"));
       // What a full disk keeps from being written can be read.
       vm.SetLimit(69);
       for (const std::int32_t page : {0, 1, 2}) EXPECT_TRUE(vm.Read(page * 1024, 1024) == vm.Content(page));
@@ -219,8 +202,6 @@ TEST(SwapFile, IsNotDisturbedByAChildThatReads) {
   ASSERT_EQ(waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0);
   for (const std::int32_t page : pages) EXPECT_TRUE(vm.Read(page * 1024, 1024) == vm.Content(page + 100)) << page;
-  close(ends[0]);
-  close(ends[1]);
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -14,13 +15,20 @@ class VMemTest : public testing::Test {
   Peek vm;
 };
 
-TEST_F(VMemTest, BoundOfCache) {
+TEST_F(VMemTest, Settings) {
   const std::tuple<std::int16_t, std::int16_t, std::int16_t> rows[] = {
       {-32768, 0, 0}, {1, 1, 0}, {2, 2, 1}, {70, 70, 69}, {32767, 32767, 32387}};
   for (const auto& [set, bound, limit] : rows) {
     vm.SetMaxCacheSize(set);
     EXPECT_EQ(std::tuple(vm.GetMaxCacheSize(), vm.cacheLimit), std::tuple(bound, limit)) << set;
   }
+  vm.maxAddress = 400 * 1024;
+  for (const auto& [pages, kilobytes] : {std::pair(0, 0), {1, 1}, {84, 84}, {85, 85}, {86, 87}, {400, 404}}) {
+    for (std::int32_t page = 0; page < pages; ++page) vm.Touch({page});
+    EXPECT_EQ(vm.GetCacheSize(), kilobytes);
+  }
+  vm.SetTempDir(TSTR(""));
+  EXPECT_EQ(vm.GetTempDir(), nullptr);
 }
 
 TEST_F(VMemTest, OtherThreadsAreRefused) {
@@ -89,21 +97,22 @@ TEST(VMemHeapTest, ExhaustedAtEachAllocation) {
 
 /// Sets and gets a value at the ends of pages and of the space, and one byte beyond.
 template <typename Value>
-void TestTypedForms(Value value) {
+void TestTypedForm(Value value) {
   constexpr std::int32_t kWidth = sizeof(Value);
   const std::string bytes(reinterpret_cast<const char*>(&value), kWidth);
   Peek vm;
   vm.maxAddress = 2100;
   for (const std::int32_t addr : {0, 1024 - kWidth, 1025 - kWidth, 1023, 1024, 2100 - kWidth}) {
-    SCOPED_TRACE(testing::Message() << kWidth << " bytes at " << addr);
-    vm.Write(0, std::string(2100, '#'));
-    vm.Set(addr, value);
     std::string expected(2100, '#');
+    vm.Write(0, expected);
+    vm.ReleaseCache();
+    vm.Set(addr, value);
+    vm.ReleaseCache();
     expected.replace(static_cast<std::size_t>(addr), kWidth, bytes);
-    EXPECT_EQ(vm.Read(0, 2100), expected);
+    EXPECT_EQ(vm.Read(0, 2100), expected) << kWidth << " bytes at " << addr;
     Value read = {};
     vm.Get(addr, read);
-    EXPECT_EQ(std::string(reinterpret_cast<const char*>(&read), kWidth), bytes);
+    EXPECT_EQ(std::memcmp(&read, &value, kWidth), 0) << kWidth << " bytes at " << addr;
   }
   for (const std::int32_t addr : {-1, -1024, 2101 - kWidth, 0x7fffffff}) {
     const std::string message = addr < 0 ? "illegal address (<0)" : "illegal address (>max.address)";
@@ -112,22 +121,15 @@ void TestTypedForms(Value value) {
   }
 }
 
+template <typename... Value>
+void TestTypedForms(Value... value) {
+  (TestTypedForm(value), ...);
+}
+
 TEST_F(VMemTest, TypedFormsMoveTheirWidth) {
-  TestTypedForms<signed char>(-77);
-  TestTypedForms<char>('x');
-  TestTypedForms<unsigned char>(200);
-  TestTypedForms<short>(-12345);
-  TestTypedForms<unsigned short>(0xABCD);
-  TestTypedForms<TChar>(0x1234);
-  TestTypedForms<int>(-123456789);
-  TestTypedForms<unsigned int>(0x89ABCDEF);
-  TestTypedForms<long>(-1234567890);
-  TestTypedForms<unsigned long>(0x89ABCDEF);
-  TestTypedForms<long long>(-0x123456789ABCDEF);
-  TestTypedForms<unsigned long long>(0xFEDCBA9876543210);
-  TestTypedForms<float>(1.5F);
-  TestTypedForms<double>(-2.25);
-  TestTypedForms<void*>(&vm);
+  TestTypedForms(char{'x'}, static_cast<signed char>(-77), static_cast<unsigned char>(200), TChar{0x1234}, 1.5F, -2.25,
+                 static_cast<short>(-12345), static_cast<unsigned short>(0xABCD), -123456789, 0x89ABCDEFU, -1234567890L,
+                 0x89ABCDEFUL, -0x123456789ABCDEFLL, 0xFEDCBA9876543210ULL, static_cast<void*>(&vm));
   // Stored as a double.
   vm.maxAddress = 1031;
   vm.Set(1023, 1.0L);
@@ -135,15 +137,6 @@ TEST_F(VMemTest, TypedFormsMoveTheirWidth) {
   long double number = 0;
   vm.Get(1023, number);
   EXPECT_EQ(number, 1.0L);
-}
-
-TEST_F(VMemTest, SizeOfCacheIsThatOfItsPages) {
-  vm.SetMaxCacheSize(32767);
-  vm.maxAddress = 400 * 1024;
-  for (const auto& [pages, kilobytes] : {std::pair(0, 0), {1, 1}, {84, 84}, {85, 85}, {86, 87}, {400, 404}}) {
-    for (std::int32_t page = 0; page < pages; ++page) vm.Touch({page});
-    EXPECT_EQ(vm.GetCacheSize(), kilobytes);
-  }
 }
 
 // Its end is no 32-bit number.

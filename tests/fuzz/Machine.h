@@ -9,7 +9,8 @@
 ///                                   a pipe, and from a file on it
 ///     t AT DEL COUNT SOURCE FROM    ReplaceTxt from the file SOURCE
 ///     s OFFSET ORIGIN               SetPos
-///     r COUNT, x AT COUNT, e SIZE   ReadBytes, ReadTxt, ReadLine; n, w: the next and the previous byte
+///     r COUNT, x AT COUNT, e SIZE   ReadBytes, ReadTxt, ReadLine; n, w: the next and the previous byte, i: the next
+///                                   of a text
 ///     f FROM HOW TEXT               Find; HOW is a sum: 1 backward, 2 any case, 4 whole words
 ///     g 0 HOW TEXT TEXT             ReplaceGlobal
 ///     l AT                          all that there is about the line at AT
@@ -122,6 +123,7 @@ struct Machine {
     if (IsOneOf("bchpqt", operation)) Change(operation);
     if (IsOneOf("nrwx", operation)) Read(operation);
     if (operation == 'e') ReadLine(number % 4000);
+    if (operation == 'i') ReadText();
     if (operation == 's') SetPos(number, std::min(numbers[1] & 0xFF, 3));
     if (operation == 'f') Find(number);
     if (operation == 'g') ReplaceGlobal();
@@ -136,6 +138,7 @@ struct Machine {
       const Pair& other = Nth(number);
       Check((pair->file == other.file) == (pair->bytes == other.bytes));
       Check((pair->file < other.file) == (pair->bytes < other.bytes));
+      other.Compare();
     }
   }
 
@@ -214,6 +217,18 @@ struct Machine {
     Check(std::string(buffer, Size(got)) == expected);
   }
 
+  void ReadText() {
+    const std::string expected = pair->Part(pair->pos, 1);
+    const bool isPair = pair->Part(pair->pos, 2) == "\r\n";
+    char letter = 7;
+    const I32 got = pair->file.Read(letter);
+    Check(got == Count(expected.size()) + (isPair ? 1 : 0));
+    Check(letter == (expected.empty() ? '\0' : expected == "\r" ? '\n' : expected[0]));
+    // Behind a lone CR the position is set.
+    if (expected == "\r" && !isPair) return pair->Seek(pair->pos + 1);
+    pair->Move(pair->pos + std::max(got, 1), expected.empty());
+  }
+
   void ReadLine(I32 size) {
     char buffer[4000];
     const I32 got = pair->file.ReadLine(buffer, size);
@@ -244,10 +259,25 @@ struct Machine {
       behind = end + (bytes.compare(end, 2, "\r\n") == 0 ? 2 : end < bytes.size() ? 1 : 0);
     } while (behind != end && Size(at) >= behind);
     Check(Size(start) == first && Size(start + size) == behind && Size(eolSize) == behind - end);
-    Check(Size(file.LineStart(at)) == first && Size(file.LineEnd(at, false)) == end);
-    Check(Size(file.LineEnd(at, true)) == behind);
-    Check(Size(file.LineIndent(at)) == std::min(bytes.find_first_not_of(' ', first), end) - first);
     const I32 place = std::min(at, pair->Length());
+    // Where the file ends is as if each byte had been read for itself.
+    const auto stands = [&](std::size_t to, bool atEnd) {
+      Check(file.GetPos() == Count(to) && file.eof == atEnd && file.res == resDone);
+    };
+    const bool loneCr = behind > end && bytes[behind - 1] == '\r';
+    const bool atEnd = behind == end || (loneCr && behind == bytes.size());
+    stands(behind + (loneCr && !atEnd ? 1 : 0), atEnd);
+    Check(Size(file.LineEnd(at, false)) == end && Size(file.LineEnd(at, true)) == behind);
+    stands(behind + (loneCr && !atEnd ? 1 : 0), atEnd);
+    const std::size_t indented = std::min(bytes.find_first_not_of(' ', first), end);
+    Check(Size(file.LineIndent(at)) == indented - first);
+    stands(indented + (indented < bytes.size() ? 1 : 0), indented == bytes.size());
+    Check(Size(file.LineStart(at)) == first);
+    if (first > 0 && Size(place) == first && bytes[first - 1] == '\r') {
+      stands(std::min(first + 1, bytes.size()), first == bytes.size());
+    } else if (place > 0) {
+      stands(first > 0 ? first - 1 : 0, first == 0);
+    }
     Check(file.AfterCRLF(at) == (place > 1 && pair->Part(place - 2, 2) == "\r\n"));
     Check(file.BeforeCRLF(at) == (pair->Part(place, 2) == "\r\n"));
     Check(file.BetweenCRLF(at) == (at > 0 && pair->Part(at - 1, 2) == "\r\n"));

@@ -2,7 +2,7 @@
 /// A string longer than any count, of a few pages that lie in the address space again and again.
 #pragma once
 
-#include <cstring>
+#include <cstdlib>
 #include <string>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -23,16 +23,16 @@ class HugeString {
 
   HugeString() : file_(memfd_create("huge", 0)) {
     const std::string piece(kPiece, 'x');
-    if (write(file_, piece.data(), kPiece) != ssize_t{kPiece}) return;
+    const bool written = write(file_, piece.data(), kPiece) == ssize_t{kPiece};
     void* room = mmap(nullptr, kSize, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (room == MAP_FAILED) return;
+    if (!written || room == MAP_FAILED) std::abort();
     bytes_ = static_cast<char*>(room);
     for (std::size_t at = 0; at < kRun; at += kPiece) {
       mmap(bytes_ + at, kPiece, PROT_READ, MAP_SHARED | MAP_FIXED, file_, 0);
     }
   }
   ~HugeString() {
-    if (bytes_ != nullptr) munmap(bytes_, kSize);
+    munmap(bytes_, kSize);
     close(file_);
   }
   HugeString(const HugeString&) = delete;
