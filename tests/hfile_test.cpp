@@ -122,13 +122,13 @@ TEST_F(HFiles, AFailureBehindBytesReadIsOne) {
   const auto page = static_cast<std::int32_t>(sysconf(_SC_PAGESIZE));
   const auto size = static_cast<std::size_t>(page);
   char* pages = static_cast<char*>(mmap(nullptr, 2 * size, PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-  ASSERT_EQ(munmap(pages + page, size), 0);
+  ASSERT_EQ(mprotect(pages + page, size, PROT_NONE), 0);
   Put("file", std::string(2 * size, 'x'));
   ASSERT_TRUE(Open(file, 7));
   file.ReadBytes(pages, 2 * page);
   EXPECT_NE(file.res, resDone);
   EXPECT_FALSE(file.eof);
-  munmap(pages, size);
+  munmap(pages, 2 * size);
 }
 
 // One call of the system gives less of this file than it is asked for, and has its end elsewhere.

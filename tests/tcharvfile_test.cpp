@@ -78,7 +78,7 @@ const struct {
     {EDIT(t << o << -5), "a012-5bcd 12 0 t2,0,0,max b8,0,4"},
     {EDIT(t << short{-32768}; t.radix = 36; t << static_cast<unsigned short>(65535)), "a-327681ekfbcd 22 0 b2,0,12 b14,0,8"},
     {EDIT(t.radix = 16; t << short{-5} << -5), "afffffffbfffffffbbcd 34 0 b2,0,16 b18,0,16"},
-    {EDIT(t << ~0UL; t.radix = 8; t << ~0ULL), "a184467440737095516151777777777777777777777bcd 86 0 b2,0,40 b42,0,44"},
+    {EDIT(t << ~0ULL; t.radix = 8; t << ~0ULL), "a184467440737095516151777777777777777777777bcd 86 0 b2,0,40 b42,0,44"},
     {EDIT(t.InsertTChars(TSTR("x"), 0x40000000)), "abcd 2 2 b2,0,-2147483648"},
     {EDIT(t.InsertTChars(static_cast<TChar*>(nullptr), 1)), "abcd 2 2 b2,0,2"},
     {EDIT(t.InsertTChars(o, -1, 1)), "abcd 2 2 t2,0,-2,2"}, {EDIT(t.DeleteTChars(1, -1)), "abcd 2 2 b2,-2,0"},
