@@ -118,6 +118,15 @@ TEST_F(HFiles, RefusalsOfTheHostAreResults) {
   });
 }
 
+TEST_F(HFiles, AChildThatClosesLeavesTheLockOfItsParent) {
+  ASSERT_TRUE(file.Create(Name("file").c_str(), true));
+  support::InChild([&] { file.Close(); });
+  HFile other;
+  EXPECT_FALSE(other.Open(Name("file").c_str()));
+  file.Close();
+  EXPECT_TRUE(other.Open(Name("file").c_str()));
+}
+
 TEST_F(HFiles, AFailureBehindBytesReadIsOne) {
   const auto page = static_cast<std::int32_t>(sysconf(_SC_PAGESIZE));
   const auto size = static_cast<std::size_t>(page);

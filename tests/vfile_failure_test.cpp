@@ -224,4 +224,14 @@ TEST(Room, IsLookedAtBeforeItIsUsed) {
   close(regular);
 }
 
+// What was read first took the pages, the one for the empty block as well.
+TEST(Room, IsLookedAtAgainBehindASourceOfUnknownSize) {
+  Peek file;
+  EndOfSpace(file) = (kPages - 3) * BlkSize;
+  file.AppendFromFile(Pipe(std::string(3072, 'x')).Handle(), MaxLen);
+  EXPECT_EQ(file.res, resTooLong);
+  EXPECT_EQ(Bytes(file), "");
+  EXPECT_EQ(file.length, 0);
+}
+
 }  // namespace

@@ -101,6 +101,30 @@ TEST(VMemFailure, TheAllocatorHandsNothingOutThatItCouldNotWrite) {
   }
 }
 
+// The link of the block before the chosen one may lie in two pages.
+TEST(VMemFailure, ALinkThatAPageBorderCutsIsWrittenWholeOrNotAtAll) {
+  const auto header = [](std::int32_t link, std::int16_t len) {
+    return std::string(reinterpret_cast<const char*>(&link), 4) + std::string(reinterpret_cast<const char*>(&len), 2);
+  };
+  for (int k = 1, failed = true; failed; ++k) {
+    SCOPED_TRACE(k);
+    Peek vm;
+    vm.SetLimit(1);
+    vm.maxAddress = 0x20000;
+    vm.freeHead[0] = 0x3FE;
+    vm.freeCount[0] = 3;
+    vm.Write(0x3FE, header(0x10010, 100));
+    vm.Write(0x10010, header(0x9000, 2000));
+    vm.Write(0x9000, header(-1, 50));
+    {
+      const FailingDisk disk(k, FailingDisk::kWrites);
+      HaltOf([&] { vm.Take(2000); });
+      failed = FailingDisk::HasFailed();
+    }
+    EXPECT_EQ(vm.Rule(), "");
+  }
+}
+
 // The procedure of a halt repairs the disk, moves the bound and empties the cache, and returns.
 TEST(VMemFailure, AHaltProcedureMayUseTheSpace) {
   static Peek* space;

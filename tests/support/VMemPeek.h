@@ -26,7 +26,8 @@ inline std::string Pattern(std::int32_t count, std::uint32_t seed = 1) {
 
 struct Peek : VMem {
   using VMem::cacheHead, VMem::cacheCount, VMem::cacheLimit, VMem::spareDesc, VMem::classCount, VMem::classSize;
-  using VMem::freeHead, VMem::freePageHead, VMem::swapFile, VMem::swapFileName, VMem::fileLen, VMem::maxAddress;
+  using VMem::freeCount, VMem::freeHead, VMem::freePageHead, VMem::swapFile, VMem::swapFileName, VMem::fileLen,
+      VMem::maxAddress;
 
   ~Peek() noexcept = default;
 
