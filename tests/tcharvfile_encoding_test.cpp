@@ -148,7 +148,8 @@ TEST_F(TextFiles, AreSavedAsFarAsTheDiskTakesThem) {
     TCharVFile text;
     text = TString(1200, u'x') + TSTR("\u00E9\u20AC\U0001F600");
     const std::string whole = Save(text, form);
-    for (const std::size_t limit : {0, 1, 2, 3, 4, 1024, 1025, 1026, 1027, 2049, 2050, 2051, 2410, 2411, 3000}) {
+    for (const unsigned limit :
+         {0u, 1u, 2u, 3u, 4u, 1024u, 1025u, 1026u, 1027u, 2049u, 2050u, 2051u, 2410u, 2411u, 3000u}) {
       {
         const support::FullDisk disk(limit);
         text.SaveText(Name("file"), true, form, true);
