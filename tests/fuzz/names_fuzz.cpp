@@ -131,6 +131,8 @@ TString NextBackup(const TString& ext) {
 
 void CheckBackups(const TString& path) {
   TString ext = path.substr(std::min(path.find_last_of('.'), path.size()));
+  // The series of digits of other scripts is not told.
+  if (std::ranges::any_of(ext, [](TChar unit) { return unit > 127; })) return;
   for (bool more = true; more;) {
     TString buffer = ext + TString(3, 0);
     more = HFile::GetNextBackupExt(buffer.data(), static_cast<std::uint32_t>(buffer.size()));
