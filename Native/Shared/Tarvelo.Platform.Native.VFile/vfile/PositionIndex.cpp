@@ -100,9 +100,9 @@ bool PositionIndex::Reserve(std::size_t nodes) {
 
 PositionIndex::Node* PositionIndex::NewNode() {
   // A part of what there is, so that the chunks stay few and little of the last one lies idle.
-  if (free_ == nullptr && !Reserve(nodes_ / 8 + 2)) return nullptr;
+  if (free_ == nullptr) Reserve(nodes_ / 8 + 2);
   Node* node = free_;
-  free_ = node->next;
+  if (node != nullptr) free_ = node->next;
   return node;
 }
 
@@ -137,7 +137,8 @@ bool PositionIndex::ReserveTop(std::int32_t groups) {
 bool PositionIndex::Build(BlkDesc* first, std::int32_t count) {
   const std::int32_t leaves = (count + kFill - 1) / kFill;
   const std::int32_t groups = (leaves + kFill - 1) / kFill;
-  if (!ReserveTop(groups) || !Reserve(static_cast<std::size_t>(leaves + groups))) return false;
+  if (!ReserveTop(groups) || !Reserve(static_cast<std::size_t>(leaves) + static_cast<std::size_t>(groups)))
+    return false;
   Group* group = nullptr;
   Leaf* leaf = nullptr;
   for (BlkDesc* p = first; p != nullptr; p = p->next) {

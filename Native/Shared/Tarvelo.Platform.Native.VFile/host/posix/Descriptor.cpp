@@ -100,9 +100,10 @@ bool TakeAwayName(const char* name, const struct stat& file) {
 
 const char* FollowLinks(const char* name, char (&end)[PATH_MAX]) {
   constexpr int kLinks = 40;
+  const std::size_t size = std::strlen(name) + 1;
   errno = ENAMETOOLONG;
-  if (std::strlen(name) >= sizeof end) return nullptr;
-  std::strcpy(end, name);
+  if (size > sizeof end) return nullptr;
+  std::memcpy(end, name, size);
   for (int i = 0; i < kLinks; ++i) {
     char link[PATH_MAX];
     const ssize_t length = readlink(end, link, sizeof link);
