@@ -39,8 +39,9 @@
 
 class HFile;
 namespace hfile {
+/// For the library alone: the bytes from the position of a regular file to its end, -1 where that cannot be told.
 std::int64_t BytesLeft(const HFile& file);
-}
+}  // namespace hfile
 
 class VFILE_API HFile {
  public:
