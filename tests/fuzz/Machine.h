@@ -128,7 +128,7 @@ struct Machine {
     if (operation == 'f') Find(number);
     if (operation == 'g') ReplaceGlobal();
     if (operation == 'l') Lines(number);
-    if (operation == 'd') pair->allowed = pair->file.allowed = number;
+    if (operation == 'd') pair->allowed = pair->file.allowed = std::max(number, -1);
     if (operation == 'k') pair->file.SetFlag(vfReadOnly, number == 1);
     if (operation == 'k' && pair->res == resDone) pair->readOnly = number == 1;
     if (operation == 'm') VFile::SetMaxCacheSize(static_cast<std::int16_t>((number & 4) != 0 ? 70 : number & 3));
