@@ -82,6 +82,7 @@ void VFile::UnlinkCur() {
   }
   Unlink(empty);
   if (index != nullptr) index->settledLen = cur.ptr->len;
+  CheckIndex();
 }
 
 /// Gives the block behind the current one another length.

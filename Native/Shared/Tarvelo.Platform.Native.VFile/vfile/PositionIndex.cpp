@@ -286,25 +286,24 @@ bool PositionIndex::SplitGroup(Place& place) {
 void PositionIndex::RemoveBehind(const Place& place, std::int32_t count) {
   Place at = place;
   while (count > 0 && Next(at)) {
-    Leaf& leaf = LeafAt(at);
-    const std::int32_t part = std::min(count, leaf.count - at.slot);
-    AddToSums(at, -Sum(leaf.lens + at.slot, part));
-    CloseGap(leaf.lens, leaf.count, at.slot, part);
-    CloseGap(leaf.blocks, leaf.count, at.slot, part);
-    leaf.count -= part;
-    count -= part;
-    if (leaf.count == 0) RemoveLeaf(at.group, at.leaf);
+    count -= RemoveInLeaf(at, count);
     // The rest lies behind the place again.
     at = place;
   }
 }
 
-void PositionIndex::Remove(const Place& place) {
+void PositionIndex::Remove(const Place& place) { RemoveInLeaf(place, 1); }
+
+/// Takes out up to `count` blocks from `place` on, as many as its leaf holds; gives how many.
+std::int32_t PositionIndex::RemoveInLeaf(const Place& place, std::int32_t count) {
   Leaf& leaf = LeafAt(place);
-  AddToSums(place, -leaf.lens[place.slot]);
-  CloseGap(leaf.lens, leaf.count, place.slot, 1);
-  CloseGap(leaf.blocks, leaf.count, place.slot, 1);
-  if (--leaf.count == 0) RemoveLeaf(place.group, place.leaf);
+  const std::int32_t part = std::min(count, leaf.count - place.slot);
+  AddToSums(place, -Sum(leaf.lens + place.slot, part));
+  CloseGap(leaf.lens, leaf.count, place.slot, part);
+  CloseGap(leaf.blocks, leaf.count, place.slot, part);
+  leaf.count -= part;
+  if (leaf.count == 0) RemoveLeaf(place.group, place.leaf);
+  return part;
 }
 
 /// Takes out an empty leaf, and its group where that becomes empty.

@@ -87,6 +87,7 @@ class PositionIndex {
   bool Next(Place& place) const;
   bool SplitLeaf(Place& place);
   bool SplitGroup(Place& place);
+  std::int32_t RemoveInLeaf(const Place& place, std::int32_t count);
   void RemoveLeaf(std::int32_t group, std::int32_t leaf);
   Leaf& LeafAt(const Place& place) const;
   void AddToSums(const Place& place, std::int32_t delta);
