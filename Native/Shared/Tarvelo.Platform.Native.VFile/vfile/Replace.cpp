@@ -105,7 +105,8 @@ bool VFile::Allow(std::int32_t position, std::int32_t del, std::int32_t ins) {
 
 /// Step 6.
 void VFile::Finish(std::int32_t position) {
-  SetPos(position);
+  res = resDone;
+  MoveOn(position);
   if constexpr (hsys::kChecked) CheckInvariants();
 }
 
@@ -141,7 +142,7 @@ bool VFile::ChangeInBlock(Source& source, std::int32_t position, std::int32_t de
   if (count > 0) std::memcpy(at, bytes, static_cast<std::size_t>(count));
   cur.ptr->len = static_cast<std::int16_t>(cur.ptr->len - del + count);
   length = length - del + count;
-  bufDirty = true;
+  MarkDirty();
   CheckCurLen();
   return true;
 }

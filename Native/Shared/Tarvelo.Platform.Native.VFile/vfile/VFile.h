@@ -620,6 +620,8 @@ class VFILE_API VFile {
   std::uint32_t threadId;               ///< the constructing thread; 0 after the destructor
   std::int32_t blockCount;              ///< blocks of the chain
   mutable vfile::PositionIndex* index;  ///< owned; of a file that has made a far move, else null
+  const BlkDesc* held;                  ///< the block whose page agrees with `buf` while `bufValid` is off, or null
+  std::int16_t dirtyFrom;               ///< while `bufDirty`: index of the first byte that can differ from the page
                                         /// @}
 
  private:
@@ -654,12 +656,15 @@ class VFILE_API VFile {
   void CheckIndex();
 
   // Reading.cpp
+  template <typename Value>
+  VFILE_LOCAL void ReadValue(Value& value);
   bool SkipLf();
 
   // Scratch.cpp
   bool Refuse();
   bool MakeBuf();
   bool LoadBuf();
+  void MarkDirty();
   bool CopyUnbuffered(std::int32_t ix, void* bytes, std::int32_t count);
   bool WriteBack();
   bool MoveTo(const BlkRdr& target);
@@ -676,6 +681,7 @@ class VFILE_API VFile {
 
   // Change.cpp
   void InitChange(std::int32_t position);
+  bool StaysForChange(std::int32_t position) const;
   bool DoChange(std::int32_t del, const void* bytes, std::int32_t n, NewChain& chain, std::int32_t ins);
   bool SaveTail(std::int32_t from, NewChain& chain);
   bool CutBehind(std::int32_t count, NewChain& chain, BlkDesc*& kept, std::int32_t& keptLen);
