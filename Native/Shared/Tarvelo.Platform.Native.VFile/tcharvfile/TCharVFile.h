@@ -219,6 +219,8 @@ class VFILE_API TCharVFile : protected VFile {
   /// @}
 
  private:
+  class VFILE_LOCAL UnitSearch;
+
   void InsertAt(std::int32_t position, const TChar* units, std::int32_t count);
   VFILE_LOCAL void InsertTStrAt(std::int32_t position, const TChar* text, std::size_t count);
   VFILE_LOCAL void AssignTStr(const TChar* text, std::size_t count);
@@ -233,6 +235,7 @@ class VFILE_API TCharVFile : protected VFile {
   // TextSearch.cpp
   bool IsWordUnitBehind(std::int32_t position);
   bool IsWordUnitBefore(std::int32_t position);
-  bool ScanForward(std::int32_t& position, const TChar* text, std::int32_t n, bool ignoreCase);
-  bool ScanBackward(std::int32_t& position, const TChar* text, std::int32_t n, bool ignoreCase);
+  bool FindNext(UnitSearch& search, std::int32_t& position, std::int32_t n, bool wholeWord);
+  bool ScanForward(UnitSearch& search, std::int32_t& position);
+  bool ScanBackward(UnitSearch& search, std::int32_t& position);
 };

@@ -628,6 +628,7 @@ class VFILE_API VFile {
   class VFILE_LOCAL NewChain;
   class VFILE_LOCAL BufferSource;
   class VFILE_LOCAL FileSource;
+  class VFILE_LOCAL ByteSearch;
   friend class vfile::Comparison;
 
   bool OnOwnerThread(std::int32_t line = __builtin_LINE()) const;
@@ -715,8 +716,9 @@ class VFILE_API VFile {
   // Search.cpp
   bool IsWordByteBehind(std::int32_t position);
   bool IsWordByteBefore(std::int32_t position);
-  bool ScanForward(std::int32_t& position, const char* text, bool ignoreCase);
-  bool ScanBackward(std::int32_t& position, const char* text, bool ignoreCase);
+  bool FindNext(ByteSearch& search, std::int32_t& position, std::int32_t n, bool wholeWord);
+  bool ScanForward(ByteSearch& search, std::int32_t& position);
+  bool ScanBackward(ByteSearch& search, std::int32_t& position);
 
   // Lines.cpp
   bool AdmitLine(std::int32_t position, std::int32_t line = __builtin_LINE());
