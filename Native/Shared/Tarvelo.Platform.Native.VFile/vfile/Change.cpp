@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "vfile/BlkPool.h"
+#include "vfile/LineEnds.h"
 #include "vfile/NewChain.h"
 #include "vfile/Require.h"
 #include "vmem/VMem.h"
@@ -129,6 +130,5 @@ void VFile::CheckCurLen() {
 
 /// Sets `vfHasEol` if CR or LF is among the bytes.
 void VFile::CheckEOL(const void* bytes, std::int32_t count) {
-  const auto* begin = static_cast<const unsigned char*>(bytes);
-  if (std::any_of(begin, begin + count, [](unsigned char byte) { return byte == 13 || byte == 10; })) flags |= vfHasEol;
+  if (vfile::FindEol(static_cast<const unsigned char*>(bytes), count) < count) flags |= vfHasEol;
 }

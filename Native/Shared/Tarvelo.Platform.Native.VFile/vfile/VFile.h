@@ -64,6 +64,7 @@ class BlkPool;
 class VMem;
 namespace vfile {
 class Comparison;
+class ContentSource;
 class PositionIndex;
 }  // namespace vfile
 
@@ -583,6 +584,9 @@ class VFILE_API VFile {
   void Skip(std::int32_t count);
   /// Whether `size` bytes are a count. If not, a change that could begin otherwise is `resTooLong`. For the library's own classes.
   VFILE_LOCAL bool AdmitSize(std::size_t size);
+  /// Makes what the source gives the whole content, by one change that takes no more memory than its blocks. A failure, `resTooLong`
+  /// among them, leaves the old content. For the library's own classes.
+  VFILE_LOCAL void ReplaceContent(vfile::ContentSource& source);
 
   /// @}
   /// @name The data model. Derived classes read it; only this class writes it.
@@ -688,6 +692,7 @@ class VFILE_API VFile {
   bool CutBehind(std::int32_t count, NewChain& chain, BlkDesc*& kept, std::int32_t& keptLen);
   bool JoinBehind(NewChain& chain, BlkDesc*& kept);
   void CheckCurLen();
+  bool ScansEol() const { return type > 0 && FlagOn(vfEolScan) && !FlagOn(vfNoEolScan); }
   void CheckEOL(const void* bytes, std::int32_t count);
 
   // Replace.cpp
