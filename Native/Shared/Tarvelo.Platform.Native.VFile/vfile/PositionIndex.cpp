@@ -14,8 +14,8 @@ struct PositionIndex::Leaf {
 
 struct PositionIndex::Group {
   std::int32_t count;
-  std::int32_t sums[kFanOut];
-  Leaf* leaves[kFanOut];
+  std::int32_t sums[kGroupFanOut];
+  Leaf* leaves[kGroupFanOut];
 };
 
 union PositionIndex::Node {
@@ -100,7 +100,7 @@ bool PositionIndex::Reserve(std::size_t nodes) {
 
 PositionIndex::Node* PositionIndex::NewNode() {
   // A part of what there is, so that the chunks stay few and little of the last one lies idle.
-  if (free_ == nullptr) Reserve(nodes_ / 8 + 2);
+  if (free_ == nullptr) Reserve(nodes_ / 32 + 2);
   Node* node = free_;
   if (node != nullptr) free_ = node->next;
   return node;
@@ -136,14 +136,14 @@ bool PositionIndex::ReserveTop(std::int32_t groups) {
 
 bool PositionIndex::Build(BlkDesc* first, std::int32_t count) {
   const std::int32_t leaves = (count + kFill - 1) / kFill;
-  const std::int32_t groups = (leaves + kFill - 1) / kFill;
+  const std::int32_t groups = (leaves + kGroupFill - 1) / kGroupFill;
   if (!ReserveTop(groups) || !Reserve(static_cast<std::size_t>(leaves) + static_cast<std::size_t>(groups)))
     return false;
   Group* group = nullptr;
   Leaf* leaf = nullptr;
   for (BlkDesc* p = first; p != nullptr; p = p->next) {
     if (leaf == nullptr || leaf->count == kFill) {
-      if (group == nullptr || group->count == kFill) {
+      if (group == nullptr || group->count == kGroupFill) {
         group = &NewNode()->group;
         group->count = 0;
         topSums_[topCount_] = 0;
@@ -235,7 +235,7 @@ bool PositionIndex::InsertBehind(const Place& place, BlkDesc* head, std::int32_t
 
 /// Moves the upper half of a leaf to a new one behind it. `place` stays that of its block.
 bool PositionIndex::SplitLeaf(Place& place) {
-  if (top_[place.group]->count == kFanOut && !SplitGroup(place)) return false;
+  if (top_[place.group]->count == kGroupFanOut && !SplitGroup(place)) return false;
   Node* node = NewNode();
   if (node == nullptr) return false;
   constexpr std::int32_t kHalf = kFanOut / 2;
@@ -266,7 +266,7 @@ bool PositionIndex::SplitGroup(Place& place) {
   if (!ReserveTop(topCount_ + 1)) return false;
   Node* node = NewNode();
   if (node == nullptr) return false;
-  constexpr std::int32_t kHalf = kFanOut / 2;
+  constexpr std::int32_t kHalf = kGroupFanOut / 2;
   Group& lower = *top_[place.group];
   Group& upper = node->group;
   upper.count = lower.count - kHalf;
@@ -331,7 +331,7 @@ const char* PositionIndex::BrokenRule(const BlkDesc* first, const BlkDesc* curso
   const BlkDesc* p = first;
   for (std::int32_t g = 0; g < topCount_; ++g) {
     const Group& group = *top_[g];
-    if (group.count < 1 || group.count > kFanOut) return "I4";
+    if (group.count < 1 || group.count > kGroupFanOut) return "I4";
     for (std::int32_t l = 0; l < group.count; ++l) {
       const Leaf& leaf = *group.leaves[l];
       if (leaf.count < 1 || leaf.count > kFanOut) return "I4";

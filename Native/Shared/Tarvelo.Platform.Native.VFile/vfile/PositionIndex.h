@@ -14,7 +14,7 @@ namespace vfile {
 ///
 ///     top                              groups, in order, each with the bytes below it
 ///      |
-///     Group [ leaf | leaf | ... ]      up to 128 leaves, each with the bytes below it
+///     Group [ leaf | leaf | ... ]      up to 104 leaves, each with the bytes below it
 ///      |
 ///     Leaf  [ block | block | ... ]    up to 128 blocks, each with its length
 ///
@@ -27,7 +27,7 @@ namespace vfile {
 /// So a block's start finds it (`Locate`) also while its own length is not settled, as everything before it is. Nothing here halts
 /// or throws; where the heap is exhausted `Build` and `InsertBehind` give false, and the file goes on without an index.
 ///
-/// Cost: a search looks at up to 128 numbers in each level; a block in or out moves as many. 10 to 14 bytes for each block.
+/// Cost: a search looks at up to 128 numbers in each level; a block in or out moves as many. 11 or 12 bytes for each block.
 class PositionIndex {
  public:
   /// The place of a block. Good until the next block goes in or out.
@@ -72,8 +72,11 @@ class PositionIndex {
 
  private:
   static constexpr std::int32_t kFanOut = 128;
+  /// So many that a group takes the room of a leaf.
+  static constexpr std::int32_t kGroupFanOut = 104;
   /// How full `Build` makes a node, so that the first blocks that come in do not split it.
-  static constexpr std::int32_t kFill = 104;
+  static constexpr std::int32_t kFill = 112;
+  static constexpr std::int32_t kGroupFill = 92;
 
   struct Leaf;
   struct Group;
