@@ -48,6 +48,6 @@ std::vector<ContestantEntry> EditContestants();
 std::vector<ContestantEntry> TransferContestants();
 std::vector<ContestantEntry> ScanContestants();
 std::vector<ContestantEntry> PageContestants();
-std::vector<ContestantEntry> TextContestants();
+std::vector<ContestantEntry> LoopContestants();
 std::vector<ContestantEntry> SqliteContestants();
 std::vector<ContestantEntry> LmdbContestants();

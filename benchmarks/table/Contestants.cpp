@@ -11,7 +11,7 @@ const ContestantEntry* Find(const std::string& name) {
              TransferContestants(),
              ScanContestants(),
              PageContestants(),
-             TextContestants(),
+             LoopContestants(),
 #ifdef TABLE_HAS_SQLITE
              SqliteContestants(),
 #endif

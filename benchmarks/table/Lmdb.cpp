@@ -60,5 +60,5 @@ class Lmdb : public RandomReads {
 }  // namespace
 
 std::vector<ContestantEntry> LmdbContestants() {
-  return {{"page/lmdb", Make<Lmdb<false>>}, {"random/lmdb", Make<Lmdb<true>>}};
+  return {{"page/lmdb", Make<Lmdb<false>>}, {"random/page in lmdb", Make<Lmdb<true>>}};
 }

@@ -51,18 +51,17 @@ class Seeks : public RandomReads {
  public:
   explicit Seeks(const Setting& setting) : RandomReads(setting, 1, 100) {
     UseSettings(setting);
-    file_ = std::make_unique<VFile>();
-    LoadContent(*file_, setting);
+    LoadContent(file_, setting);
   }
   void Run() override {
     ReadAll([&](std::int32_t place, char* bytes) {
-      file_->SetPos(place);
-      file_->ReadBytes(bytes, 100);
+      file_.SetPos(place);
+      file_.ReadBytes(bytes, 100);
     });
   }
 
  private:
-  std::unique_ptr<VFile> file_;
+  VFile file_;
 };
 
 /// Accesses to four bytes in each of 64 cached pages in turn.
@@ -139,7 +138,7 @@ class Life : public Contestant {
 std::vector<ContestantEntry> PageContestants() {
   return {
       {"page/vmem", Make<PagesOfSpace>},
-      {"page/file", Make<PagesOfFile>},
+      {"page/pread", Make<PagesOfFile>},
       {"seek/vfile", Make<Seeks>},
       {"hit/get", Make<CachedPages<Access::kGet>>},
       {"hit/set", Make<CachedPages<Access::kSet>>},

@@ -23,18 +23,18 @@ std::string Digits(double value) { return Format(value < 10 ? "%.2f" : value < 1
 std::string MemoryText(double megabytes) { return Digits(megabytes) + " MB"; }
 
 std::string GoalText(const Row& row) {
-  if (row.measure == Measure::kMemory) return MemoryText(row.goal);
-  if (row.goal < 0.2) return "1/" + Format("%.0f", 1 / row.goal) + " of " + row.limitName;
-  return Format("%.2f", row.goal) + " x " + row.limitName;
+  if (row.OfMemory()) return MemoryText(row.goal.bound);
+  if (row.goal.bound < 0.2) return "1/" + Format("%.0f", 1 / row.goal.bound) + " of " + row.goal.limit;
+  return Format("%.2f", row.goal.bound) + " x " + row.goal.limit;
 }
 
 std::string OursText(const Row& row, const Outcome& outcome) {
-  return row.measure == Measure::kMemory ? MemoryText(outcome.ours.peak) : TimeText(outcome.ours.time);
+  return row.OfMemory() ? MemoryText(outcome.ours.peak) : TimeText(outcome.ours.time);
 }
 
 std::string LimitText(const Row& row, const Outcome& outcome) {
   const Result* limit = LimitOf(outcome);
-  return limit == nullptr ? MemoryText(row.goal) : TimeText(limit->time);
+  return limit == nullptr ? MemoryText(row.goal.bound) : TimeText(limit->time);
 }
 
 /// The peers, and of a limit that several could be all of them.
@@ -44,8 +44,8 @@ std::string PeersText(const Outcome& outcome) {
     text += text.empty() ? "" : ", ";
     text += result.label + " " + (result.exists ? TimeText(result.time) : "not installed");
   };
-  if (outcome.limits.size() > 1) {
-    for (const Result& result : outcome.limits) append(result);
+  if (outcome.holders.size() > 1) {
+    for (const Result& result : outcome.holders) append(result);
   }
   for (const Result& result : outcome.peers) append(result);
   return text;
@@ -54,7 +54,7 @@ std::string PeersText(const Outcome& outcome) {
 /// A ratio below 0.2 has its goal as a fraction.
 std::string RatioText(const Row& row, const Outcome& outcome) {
   const double ratio = RatioOf(row, outcome);
-  return row.goal < 0.2 ? "1/" + Format("%.1f", 1 / ratio) : Format("%.2f", ratio);
+  return row.goal.bound < 0.2 ? "1/" + Format("%.1f", 1 / ratio) : Format("%.2f", ratio);
 }
 
 std::string FirstLineWith(const char* file, const std::string& key) {
@@ -85,18 +85,18 @@ std::string FileSystemOf(const std::string& directory) {
 
 const Result* LimitOf(const Outcome& outcome) {
   const Result* least = nullptr;
-  for (const Result& limit : outcome.limits) {
+  for (const Result& limit : outcome.holders) {
     if (limit.exists && (least == nullptr || limit.time < least->time)) least = &limit;
   }
   return least;
 }
 
 double RatioOf(const Row& row, const Outcome& outcome) {
-  return row.measure == Measure::kMemory ? outcome.ours.peak / row.goal : outcome.ours.time / LimitOf(outcome)->time;
+  return row.OfMemory() ? outcome.ours.peak / row.goal.bound : outcome.ours.time / LimitOf(outcome)->time;
 }
 
 bool Passes(const Row& row, const Outcome& outcome) {
-  return RatioOf(row, outcome) <= (row.measure == Measure::kMemory ? 1 : row.goal);
+  return RatioOf(row, outcome) <= (row.OfMemory() ? 1 : row.goal.bound);
 }
 
 std::string TimeText(double seconds) {
@@ -120,7 +120,7 @@ void PrintColumns(const std::string& work, const std::string& goal, const std::s
 void PrintHeading() { PrintColumns("work", "goal: at most", "ours", "limit", "ratio", "", "peers"); }
 
 void PrintRow(const Row& row, const Outcome& outcome) {
-  PrintColumns(row.work, GoalText(row), OursText(row, outcome), LimitText(row, outcome), RatioText(row, outcome),
+  PrintColumns(row.Text(), GoalText(row), OursText(row, outcome), LimitText(row, outcome), RatioText(row, outcome),
                Passes(row, outcome) ? "pass" : "SHORT", PeersText(outcome));
 }
 
@@ -146,7 +146,7 @@ void WriteMarkdown(const std::string& name, const std::vector<std::pair<Row, Out
       << __VERSION__
       << ".\n\n| Work | Goal: at most | Ours | Limit | Ratio | | Peers |\n|---|---|--:|--:|--:|---|---|\n";
   for (const auto& [row, outcome] : table) {
-    out << "| " << row.work << " | " << GoalText(row) << " | " << OursText(row, outcome) << " | "
+    out << "| " << row.Text() << " | " << GoalText(row) << " | " << OursText(row, outcome) << " | "
         << LimitText(row, outcome) << " | " << RatioText(row, outcome) << " | "
         << (Passes(row, outcome) ? "pass" : "short") << " | " << PeersText(outcome) << " |\n";
   }
@@ -154,7 +154,7 @@ void WriteMarkdown(const std::string& name, const std::vector<std::pair<Row, Out
   for (const auto& [row, outcome] : table) {
     for (const Result& peer : outcome.peers) {
       if (!peer.exists || peer.time >= outcome.ours.time) continue;
-      out << "- " << row.work << ": " << peer.label << ", " << Format("%.1f", outcome.ours.time / peer.time)
+      out << "- " << row.Text() << ": " << peer.label << ", " << Format("%.1f", outcome.ours.time / peer.time)
           << " times\n";
     }
   }

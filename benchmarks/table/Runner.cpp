@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -84,12 +85,14 @@ std::string PeakMemory() {
   return "0";
 }
 
+/// Those with as many operations leave the same content.
 void CheckContents(const std::vector<Runner>& runners, const std::string& work) {
-  std::uint64_t known = 0;
+  std::map<std::int32_t, std::uint64_t> sums;
   for (const Runner& runner : runners) {
     const std::uint64_t sum = std::stoull(runner.process->Ask("check"));
-    if (known == 0) known = sum;
-    Expect(sum == 0 || sum == known, work + ": the contents of " + runner.result->label + " and others differ");
+    if (sum == 0) continue;
+    const auto known = sums.emplace(runner.count, sum).first;
+    Expect(sum == known->second, work + ": the content of " + runner.result->label + " is another");
   }
 }
 
@@ -97,12 +100,12 @@ void CheckContents(const std::vector<Runner>& runners, const std::string& work) 
 
 Outcome RunRow(const Row& row, const std::string& directory, const Effort& effort) {
   Outcome outcome;
-  outcome.limits.resize(row.limits.size());
+  outcome.holders.resize(row.goal.holders.size());
   outcome.peers.resize(row.peers.size());
-  const std::string content = ContentFile(directory, row.content, row.size);
+  const std::string content = row.size == 0 ? std::string() : ContentFile(directory, row.content, row.size);
   std::vector<Runner> runners;
   const auto start = [&](const Contender& contender, Result& result, bool peer) {
-    result.label = contender.label;
+    result.label = contender.Label();
     result.exists = Exists(contender.name);
     if (!result.exists) return;
     const std::int32_t count = contender.count != 0 ? contender.count : row.count;
@@ -111,7 +114,7 @@ Outcome RunRow(const Row& row, const std::string& directory, const Effort& effor
     runners.back().process->Ask("ready");
   };
   start(row.ours, outcome.ours, false);
-  for (std::size_t i = 0; i < row.limits.size(); ++i) start(row.limits[i], outcome.limits[i], false);
+  for (std::size_t i = 0; i < row.goal.holders.size(); ++i) start(row.goal.holders[i], outcome.holders[i], false);
   for (std::size_t i = 0; i < row.peers.size(); ++i) start(row.peers[i], outcome.peers[i], true);
 
   const char* command = effort.processorTime ? "round of the processor" : "round";
@@ -127,7 +130,7 @@ Outcome RunRow(const Row& row, const std::string& directory, const Effort& effor
     runner.result->time = Median(runner.times);
     runner.result->peak = std::stod(runner.process->Ask("memory"));
   }
-  CheckContents(runners, row.work);
+  CheckContents(runners, row.Text());
   return outcome;
 }
 

@@ -5,7 +5,6 @@
 
 #include "Contents.h"
 #include "Ours.h"
-#include "tcharvfile/TCharVFile.h"
 
 namespace {
 
@@ -27,25 +26,27 @@ const TChar* TextOf(Needle needle) {
 template <Needle kNeedle, Way kWay>
 class Find : public OnFile {
  public:
-  explicit Find(const Setting& setting) : OnFile(setting) { Load(); }
+  using OnFile::OnFile;
   void Run() override {
-    std::int32_t at = kWay == Way::kBackward ? file_.Length() : 0;
-    const bool found = kWay == Way::kBackward
-                           ? file_.FindBack(at, TextOf<char>(kNeedle), false, false)
-                           : file_.Find(at, TextOf<char>(kNeedle), kWay == Way::kIgnoringCase, false);
-    Expect(!found, "a text was found that is not there");
+    std::int32_t at = 0;
+    Expect(!Search(at), "a text was found that is not there");
   }
   /// The text is found once it is there, over the border of two pages.
   std::uint64_t Check() override {
-    const std::int32_t place = file_.Length() / 2 / 1024 * 1024 - 5;
+    const std::int32_t place = file_.Length() / 2 / BlkSize * BlkSize - 5;
     file_.SetPos(place);
     file_.ReplaceBytes(TextOf<char>(kNeedle), 12);
-    std::int32_t at = kWay == Way::kBackward ? file_.Length() : 0;
-    const bool found = kWay == Way::kBackward
-                           ? file_.FindBack(at, TextOf<char>(kNeedle), false, false)
-                           : file_.Find(at, TextOf<char>(kNeedle), kWay == Way::kIgnoringCase, false);
-    Expect(found && at == (kWay == Way::kBackward ? place : place + 12), "a text was not found");
+    std::int32_t at = 0;
+    Expect(Search(at) && at == (kWay == Way::kBackward ? place : place + 12), "a text was not found");
     return 0;
+  }
+
+ private:
+  bool Search(std::int32_t& at) {
+    if (kWay == Way::kForward) return file_.Find(at, TextOf<char>(kNeedle), false, false);
+    if (kWay == Way::kIgnoringCase) return file_.Find(at, TextOf<char>(kNeedle), true, false);
+    at = file_.Length();
+    return file_.FindBack(at, TextOf<char>(kNeedle), false, false);
   }
 };
 
@@ -54,32 +55,30 @@ class FindUnits : public Contestant {
  public:
   explicit FindUnits(const Setting& setting) {
     UseSettings(setting);
-    text_.emplace();
-    text_->LoadText(Units(setting.content), FILE_SHARE_READ);
-    Expect(text_->res == resDone && text_->TCharLength() == (setting.size - 2) / 2, "load");
+    LoadContent(text_, setting);
   }
   void Run() override {
     std::int32_t at = 0;
-    Expect(!text_->FindTChars(at, TextOf<TChar>(kNeedle), false, false), "a text was found that is not there");
+    Expect(!text_.FindTChars(at, TextOf<TChar>(kNeedle), false, false), "a text was found that is not there");
   }
   std::uint64_t Check() override {
-    const std::int32_t place = text_->TCharLength() / 2;
-    text_->SetTCharPos(place);
-    text_->InsertTStr(TextOf<TChar>(kNeedle));
+    const std::int32_t place = text_.TCharLength() / 2;
+    text_.SetTCharPos(place);
+    text_.InsertTStr(TextOf<TChar>(kNeedle));
     std::int32_t at = 0;
-    Expect(text_->FindTChars(at, TextOf<TChar>(kNeedle), false, false) && at == place + 12, "a text was not found");
+    Expect(text_.FindTChars(at, TextOf<TChar>(kNeedle), false, false) && at == place + 12, "a text was not found");
     return 0;
   }
 
  private:
-  std::optional<TCharVFile> text_;
+  TCharVFile text_;
 };
 
 /// `count` files of these pages, read page by page in turn.
 class PagesInOrder : public Contestant {
  public:
-  explicit PagesInOrder(const Setting& setting) : pages_(setting.size / kPage) {
-    for (std::int32_t i = 0; i < setting.count; ++i) files_.push_back(NamelessCopy(setting.directory, setting.content));
+  PagesInOrder(const Setting& setting, int count) : pages_(setting.size / kPage) {
+    for (int i = 0; i < count; ++i) files_.push_back(NamelessCopy(setting.directory, setting.content));
   }
   void Run() override {
     char page[kPage];
@@ -128,7 +127,7 @@ void ForLines(const std::string& text, Take take) {
 
 class WalkLines : public OnFile {
  public:
-  explicit WalkLines(const Setting& setting) : OnFile(setting) { Load(); }
+  using OnFile::OnFile;
   void Run() override {
     std::int32_t start = 0;
     std::int32_t size = 0;
@@ -151,7 +150,7 @@ class WalkLines : public OnFile {
 
 class ReadLines : public OnFile {
  public:
-  explicit ReadLines(const Setting& setting) : OnFile(setting) { Load(); }
+  using OnFile::OnFile;
   void Run() override {
     file_.SetPos(0);
     while (!file_.Eof()) file_.ReadLine(line_, sizeof line_);
@@ -173,10 +172,7 @@ class ReadLines : public OnFile {
 
 class Compare : public OnFile {
  public:
-  explicit Compare(const Setting& setting) : OnFile(setting) {
-    Load();
-    LoadContent(other_, setting);
-  }
+  explicit Compare(const Setting& setting) : OnFile(setting) { LoadContent(other_, setting); }
   void Run() override { Expect(file_ == other_, "equal files"); }
   std::uint64_t Check() override {
     other_.SetPos(other_.Length() - 1);
@@ -246,10 +242,11 @@ std::vector<ContestantEntry> ScanContestants() {
       {"find/common/units", Make<FindUnits<Needle::kCommon>>},
       {"find/rare/memmem", Make<FindInPages<Needle::kRare>>},
       {"find/common/memmem", Make<FindInPages<Needle::kCommon>>},
-      {"scan/pages", Make<PagesInOrder>},
+      {"scan/pages", Make<PagesInOrder, 1>},
+      {"compare/pages", Make<PagesInOrder, 2>},
       {"lines/size", Make<WalkLines>},
       {"lines/read", Make<ReadLines>},
-      {"compare", Make<Compare>},
+      {"compare/vfile", Make<Compare>},
       {"replace/vfile", Make<ReplaceByLibrary>},
       {"replace/string", Make<ReplaceByString>},
   };

@@ -63,5 +63,5 @@ class Sqlite : public RandomReads {
 }  // namespace
 
 std::vector<ContestantEntry> SqliteContestants() {
-  return {{"page/sqlite", Make<Sqlite<false>>}, {"random/sqlite", Make<Sqlite<true>>}};
+  return {{"page/sqlite", Make<Sqlite<false>>}, {"random/page in sqlite", Make<Sqlite<true>>}};
 }

@@ -1,4 +1,4 @@
-// Files of bytes on their way in and out: the library, and the same bytes in the same calls of the system.
+// Files and texts on their way in and out of the library.
 
 #include <optional>
 
@@ -6,9 +6,13 @@
 
 namespace {
 
-class LoadByLibrary : public Contestant {
+using Form = TCharVFile::Encoding;
+
+/// A new file or text with the content.
+template <typename File>
+class Load : public Contestant {
  public:
-  explicit LoadByLibrary(const Setting& setting) : setting_(setting) { UseSettings(setting); }
+  explicit Load(const Setting& setting) : setting_(setting) { UseSettings(setting); }
   void Prepare() override {
     file_.reset();
     file_.emplace();
@@ -18,68 +22,67 @@ class LoadByLibrary : public Contestant {
 
  private:
   const Setting setting_;
-  std::optional<VFile> file_;
+  std::optional<File> file_;
 };
 
-/// As the bytes do not stay in memory, they go to a file like the swap file.
-class LoadByLoop : public Contestant {
+/// Saves by `kSave` to a new name.
+template <typename File, void (*kSave)(File& file, const TString& name)>
+class Save : public Contestant {
  public:
-  explicit LoadByLoop(const Setting& setting) : setting_(setting), swap_(HostFile::Nameless(setting.directory)) {}
-  void Prepare() override { swap_ = HostFile::Nameless(setting_.directory); }
-  void Run() override {
-    HostFile source = HostFile::Open(setting_.content);
-    char piece[kPage];
-    while (const std::size_t count = source.Read(piece, sizeof piece)) swap_.Write(piece, count);
+  explicit Save(const Setting& setting) : target_(setting.directory) {
+    UseSettings(setting);
+    file_.emplace();
+    LoadContent(*file_, setting);
   }
-  std::uint64_t Check() override { return SumOf(swap_); }
-
- private:
-  const Setting setting_;
-  HostFile swap_;
-};
-
-class SaveByLibrary : public OnFile {
- public:
-  explicit SaveByLibrary(const Setting& setting) : OnFile(setting), target_(setting.directory) { Load(); }
   void Prepare() override { target_.Remove(); }
   void Run() override {
-    file_.Save(Units(target_.Name()).c_str(), false);
-    Expect(file_.res == resDone, "save");
+    kSave(*file_, Units(target_.Name()));
+    Expect(file_->res == resDone, "save");
   }
   std::uint64_t Check() override { return SumOf(target_.Name()); }
 
  private:
   const Target target_;
+  std::optional<File> file_;
 };
 
-class SaveByLoop : public Contestant {
+void SaveBytes(VFile& file, const TString& name) { file.Save(name.c_str(), true); }
+
+template <Form kForm>
+void SaveAs(TCharVFile& text, const TString& name) {
+  text.SaveText(name, true, kForm, true);
+}
+
+/// A load of UTF-8 and a save in every form, as one round.
+class AllForms : public Contestant {
  public:
-  explicit SaveByLoop(const Setting& setting)
-      : pages_(setting.size / kPage),
-        swap_(NamelessCopy(setting.directory, setting.content)),
-        target_(setting.directory) {}
-  void Prepare() override { target_.Remove(); }
+  explicit AllForms(const Setting& setting) : setting_(setting), target_(setting.directory) { UseSettings(setting); }
   void Run() override {
-    HostFile file = HostFile::Create(target_.Name());
-    char piece[kPage];
-    for (std::int64_t page = 0; page < pages_; ++page) {
-      swap_.ReadPage(page, piece);
-      file.Write(piece, sizeof piece);
+    TCharVFile text;
+    LoadContent(text, setting_);
+    for (const Form form : {Form::encUtf16, Form::encUtf16BE, Form::encAnsi, Form::encUtf8}) {
+      text.SaveText(Units(target_.Name()), true, form, true);
+      Expect(text.res == resDone, "save");
     }
   }
-  std::uint64_t Check() override { return SumOf(target_.Name()); }
+  std::uint64_t Check() override {
+    Expect(SumOf(target_.Name()) == SumOf(setting_.content), "the text that was saved");
+    return 0;
+  }
 
  private:
-  const std::int64_t pages_;
-  const HostFile swap_;
+  const Setting setting_;
   const Target target_;
 };
 
 }  // namespace
 
 std::vector<ContestantEntry> TransferContestants() {
-  return {{"load/vfile", Make<LoadByLibrary>},
-          {"load/loop", Make<LoadByLoop>},
-          {"save/vfile", Make<SaveByLibrary>},
-          {"save/loop", Make<SaveByLoop>}};
+  return {{"load/bytes", Make<Load<VFile>>},
+          {"load/text", Make<Load<TCharVFile>>},
+          {"save/bytes", Make<Save<VFile, SaveBytes>>},
+          {"save/utf8", Make<Save<TCharVFile, SaveAs<Form::encUtf8>>>},
+          {"save/utf16", Make<Save<TCharVFile, SaveAs<Form::encUtf16>>>},
+          {"save/utf16be", Make<Save<TCharVFile, SaveAs<Form::encUtf16BE>>>},
+          {"load/all forms", Make<AllForms>}};
 }

@@ -72,7 +72,7 @@ class Scratch {
 };
 
 Effort EffortFor(const Row& row, const Options& options) {
-  if (row.measure == Measure::kMemory) return {1, 1, 0, 0, false};
+  if (row.OfMemory()) return {1, 1, 0, 0, false};
   if (options.quick) return {2, 5, 1, 0.7, options.processorTime};
   if (row.size > kQuickSize) return {3, 9, 1, 4, options.processorTime};
   return {5, 15, 3, 4, options.processorTime};
@@ -82,7 +82,7 @@ std::vector<Row> RowsFor(const Options& options) {
   std::vector<Row> rows;
   std::size_t large = 0;
   for (const Row& row : TableRows()) {
-    if (row.work.find(options.only) == std::string::npos) continue;
+    if (row.Text().find(options.only) == std::string::npos) continue;
     if (options.quick && row.size > kQuickSize) {
       ++large;
     } else {
@@ -104,7 +104,7 @@ void MeasureAll(const Options& options) {
   const std::vector<Row> rows = RowsFor(options);
   PrintHeading();
   for (const Row& row : rows) {
-    ShowProgress("[" + std::to_string(table.size() + 1) + "/" + std::to_string(rows.size()) + "] " + row.work);
+    ShowProgress("[" + std::to_string(table.size() + 1) + "/" + std::to_string(rows.size()) + "] " + row.Text());
     const Outcome outcome = RunRow(row, scratch.Name(), EffortFor(row, options));
     ShowProgress("");
     table.emplace_back(row, outcome);
@@ -112,7 +112,11 @@ void MeasureAll(const Options& options) {
   }
   PrintClosing(table);
   if (!options.markdown.empty()) WriteMarkdown(options.markdown, table, scratch.Name());
-  if (!options.pictures.empty()) DrawPictures(options.pictures, scratch.Name(), options.quick, ShowProgress);
+  if (options.pictures.empty()) return;
+  ShowProgress("pictures");
+  const Effort effort = {3, 3, 3, 0, options.processorTime};
+  DrawPictures(options.pictures, scratch.Name(), options.quick ? 64 * kMiB : 1024 * kMiB, effort);
+  ShowProgress("");
 }
 
 }  // namespace
