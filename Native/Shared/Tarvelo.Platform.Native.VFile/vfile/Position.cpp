@@ -16,9 +16,15 @@ void VFile::SetPos(std::int32_t position) {
 /// `SetPos` in the middle of an operation: a refusal that stands in `res` stays there. Gives whether it moved.
 bool VFile::MoveOn(std::int32_t position) {
   position = std::min(position, length);
-  BlkRdr target = cur;
-  Walk(target, position, false);
-  if (!MoveTo(target)) return false;
+  const std::int32_t ix = position - cur.base;
+  if (ix >= 0 && (ix < cur.ptr->len || cur.ptr == last)) {
+    // The outcome of the walk, in the block where the cursor is.
+    cur.ix = static_cast<std::int16_t>(ix);
+  } else {
+    BlkRdr target = cur;
+    Walk(target, position, false);
+    if (!MoveTo(target)) return false;
+  }
   pos = position;
   eof = false;
   return true;

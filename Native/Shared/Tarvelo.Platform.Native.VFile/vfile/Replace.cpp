@@ -8,6 +8,8 @@
 #include "host/Host.h"
 #include "hsys/Checked.h"
 #include "vfile/BlkPool.h"
+#include "vfile/ContentSource.h"
+#include "vfile/LineEnds.h"
 #include "vfile/NewChain.h"
 #include "vfile/Require.h"
 #include "vmem/VMem.h"
@@ -105,7 +107,8 @@ bool VFile::Allow(std::int32_t position, std::int32_t del, std::int32_t ins) {
 
 /// Step 6.
 void VFile::Finish(std::int32_t position) {
-  SetPos(position);
+  res = resDone;
+  MoveOn(position);
   if constexpr (hsys::kChecked) CheckInvariants();
 }
 
@@ -141,7 +144,7 @@ bool VFile::ChangeInBlock(Source& source, std::int32_t position, std::int32_t de
   if (count > 0) std::memcpy(at, bytes, static_cast<std::size_t>(count));
   cur.ptr->len = static_cast<std::int16_t>(cur.ptr->len - del + count);
   length = length - del + count;
-  bufDirty = true;
+  MarkDirty();
   CheckCurLen();
   return true;
 }
@@ -177,7 +180,7 @@ void VFile::ReplaceBuf(std::int32_t position, std::int32_t del, const void* buff
     if (!SpaceHolds(position, del, count, false)) return;
     InitChange(position);
     if (res != resDone) return;
-    if (type > 0 && count > 0 && FlagOn(vfEolScan) && !FlagOn(vfNoEolScan)) CheckEOL(buffer, count);
+    if (ScansEol() && count > 0) CheckEOL(buffer, count);
   }
   BufferSource source(buffer);
   ChangeFrom(source, position, del, count);
@@ -282,4 +285,37 @@ void VFile::ReplaceByReading(std::int32_t position, std::int32_t del, bool open,
     PostChange(position, del, total);
   }
   Finish(position + total);
+}
+
+void VFile::ReplaceContent(vfile::ContentSource& source) {
+  if (!OnOwnerThread() || res != resDone || !Admit(true)) return;
+  const std::int32_t del = length;
+  unsigned char head[BlkSize];
+  const std::int32_t n = source.Next(head);
+  if (n < 0) return;
+  bool hasEol = vfile::FindEol(head, n) < n;
+  NewChain chain(*this);
+  std::int32_t total = n;
+  for (std::int32_t part = n; part == BlkSize;) {
+    unsigned char piece[BlkSize];
+    part = source.Next(piece);
+    if (part < 0) return;
+    if (part == 0) break;
+    if (part > MaxLen - total) {
+      res = resTooLong;
+      return;
+    }
+    if (!chain.AddBlock(part) || !chain.Fill(piece)) return;
+    if (!hasEol) hasEol = vfile::FindEol(piece, part) < part;
+    total += part;
+  }
+  if (del > 0 || total > 0) {
+    InitChange(0);
+    if (res != resDone) return;
+    if (ScansEol() && hasEol) flags |= vfHasEol;
+    if (!Allow(0, del, total)) return;
+    if (!DoChange(del, head, n, chain, total)) return;
+    PostChange(0, del, total);
+  }
+  Finish(total);
 }

@@ -70,15 +70,17 @@ bool VMem::SetBlock(std::int32_t addr, const void* buf, std::int32_t len) {
   return IsAccess(addr, buf, len, TSTR("Set")) && Store(addr, buf, len);
 }
 
+bool VMem::IsAtHand(std::int32_t addr) const { return HashedPage(addr - vmem::OffsetInPage(addr)) != nullptr; }
+
 /// Copies bytes to an address that need not lie inside the space.
 bool VMem::Store(std::int32_t addr, const void* buf, std::int32_t len) {
   const auto* bytes = static_cast<const unsigned char*>(buf);
   std::int32_t left = len;
   std::int32_t offset = vmem::OffsetInPage(addr);
   for (std::int32_t page = addr - offset; left > 0; page = hsys::WrapAdd(page, kPageSize), offset = 0) {
-    CacheDesc* p = Page(page);
-    if (p == nullptr) return false;
     const std::int32_t part = std::min(left, kPageSize - offset);
+    CacheDesc* p = part == kPageSize ? PageToOverwrite(page) : Page(page);
+    if (p == nullptr) return false;
     std::memcpy(p->data + offset, bytes, static_cast<std::size_t>(part));
     p->dirty = true;
     bytes += part;
