@@ -63,9 +63,9 @@ class Scale {
 };
 
 /// A time without digits behind the point where there are none.
-std::string MarkText(double seconds) {
+std::string MarkText(double seconds, double scale) {
   if (seconds == 0) return "0";
-  std::string text = TimeText(seconds * 1.000001);
+  const std::string text = TimeText(seconds, scale);
   const std::size_t space = text.find(' ');
   std::string number = text.substr(0, space);
   if (number.find('.') != std::string::npos) number.erase(number.find_last_not_of('0') + 1);
@@ -123,7 +123,8 @@ void WriteChart(const std::string& name, const Chart& chart) {
   Write(out, "class=\"title\"", kLeft, 30, chart.title);
   for (const double mark : y.Marks()) {
     WriteLine(out, "grid", kLeft, y(mark), kRight, y(mark));
-    Write(out, "text-anchor=\"end\"", kLeft - 8, y(mark) + 4, MarkText(mark));
+    Write(out, "text-anchor=\"end\"", kLeft - 8, y(mark) + 4,
+          MarkText(mark, chart.logarithmic ? mark * 1.001 : y.Marks().back()));
   }
   for (const auto& [value, text] : chart.marks) {
     WriteLine(out, "axis", x(value), kBottom, x(value), kBottom + 5);

@@ -100,7 +100,7 @@ void ShowProgress(const std::string& text) {
 
 void MeasureAll(const Options& options) {
   const Scratch scratch;
-  std::vector<std::pair<Row, Outcome>> table;
+  Table table;
   const std::vector<Row> rows = RowsFor(options);
   PrintHeading();
   for (const Row& row : rows) {
