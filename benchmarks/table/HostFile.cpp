@@ -92,7 +92,7 @@ std::string Content(const std::string& name) {
   return content;
 }
 
-std::uint64_t SumOf(const std::string& name) { return SumOf(HostFile::Open(name)); }
+std::uint64_t SumOfFile(const std::string& name) { return SumOf(HostFile::Open(name)); }
 
 std::uint64_t SumOf(const HostFile& file) {
   Checksum sum;

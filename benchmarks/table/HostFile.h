@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-constexpr std::int64_t kPage = 1024;
+constexpr std::size_t kPage = 1024;
 
 /// An open file, closed at its end. A call that fails throws.
 class HostFile {
@@ -23,7 +23,7 @@ class HostFile {
   std::size_t Read(char* bytes, std::size_t count);
   void Write(const char* bytes, std::size_t count);
   void ReadAt(std::int64_t place, char* bytes, std::size_t count) const;
-  void ReadPage(std::int64_t page, char* bytes) const { ReadAt(page * kPage, bytes, kPage); }
+  void ReadPage(std::int64_t page, char* bytes) const { ReadAt(page * std::int64_t{kPage}, bytes, kPage); }
   void WritePage(std::int64_t page, const char* bytes);
 
  private:
@@ -47,7 +47,7 @@ class Target {
 
 /// The bytes of a file.
 std::string Content(const std::string& name);
-std::uint64_t SumOf(const std::string& name);
+std::uint64_t SumOfFile(const std::string& name);
 std::uint64_t SumOf(const HostFile& file);
 /// A nameless file with the bytes of another.
 HostFile NamelessCopy(const std::string& directory, const std::string& name);

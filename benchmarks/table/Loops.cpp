@@ -1,6 +1,8 @@
 // The limit of loads and saves: the same bytes in the same calls of the system, with a public converter between them where the
 // form of a text changes.
 
+#include <memory>
+
 #include "Contestant.h"
 #include "Converters.h"
 #include "HostFile.h"
@@ -15,102 +17,109 @@ constexpr std::size_t MarkSize(ContentKind kind) {
   return kind == ContentKind::kText ? 0 : kind == ContentKind::kUtf8 ? 3 : 2;
 }
 
+std::shared_ptr<HostFile> Swap(const Setting& setting) {
+  return std::make_shared<HostFile>(HostFile::Nameless(setting.directory));
+}
+
 void WriteInPieces(HostFile& file, std::string_view bytes) {
   for (std::size_t at = 0; at < bytes.size(); at += kPage) {
-    file.Write(bytes.data() + at, std::min<std::size_t>(kPage, bytes.size() - at));
+    file.Write(bytes.data() + at, std::min(kPage, bytes.size() - at));
   }
+}
+
+/// Moves `size` bytes in pieces: `in` brings some, to a buffer, and `out` takes them. The text keeps them all, if there is one.
+template <typename In, typename Out>
+void MovePieces(std::size_t size, char* text, In in, Out out) {
+  char piece[kPage];
+  for (std::size_t at = 0; at < size; at += kPage) {
+    char* bytes = text == nullptr ? piece : text + at;
+    const std::size_t count = std::min(kPage, size - at);
+    in(at, bytes, count);
+    out(bytes, count);
+  }
+}
+
+template <Convert kConvert>
+std::unique_ptr<char[]> RoomForText(std::size_t size) {
+  return std::unique_ptr<char[]>(kConvert == kNone ? nullptr : new char[size]);
 }
 
 /// As the bytes do not stay in memory, they go to a file like the swap file. Converted ones then go to another.
 template <ContentKind kKind, Convert kConvert>
-class LoadLoop : public Contestant {
- public:
-  explicit LoadLoop(const Setting& setting)
-      : setting_(setting), raw_(HostFile::Nameless(setting.directory)), units_(HostFile::Nameless(setting.directory)) {}
-  void Prepare() override {
-    raw_ = HostFile::Nameless(setting_.directory);
-    units_ = HostFile::Nameless(setting_.directory);
-  }
-  void Run() override {
-    HostFile source = HostFile::Open(setting_.content);
-    const auto size = static_cast<std::size_t>(setting_.size) - MarkSize(kKind);
-    const std::unique_ptr<char[]> text(kConvert == kNone ? nullptr : new char[size]);
-    char piece[kPage];
-    source.Read(piece, MarkSize(kKind));
-    for (std::size_t at = 0; at < size; at += kPage) {
-      char* bytes = kConvert == kNone ? piece : &text[at];
-      raw_.Write(bytes, source.Read(bytes, std::min<std::size_t>(kPage, size - at)));
+Contestant LoadLoop(const Setting& setting) {
+  const auto raw = Swap(setting);
+  const auto units = Swap(setting);
+  const auto run = [=] {
+    HostFile source = HostFile::Open(setting.content);
+    char mark[MarkSize(kKind) + 1];
+    source.Read(mark, MarkSize(kKind));
+    const std::size_t size = static_cast<std::size_t>(setting.size) - MarkSize(kKind);
+    const auto text = RoomForText<kConvert>(size);
+    MovePieces(
+        size, text.get(), [&](std::size_t, char* bytes, std::size_t count) { source.Read(bytes, count); },
+        [&](const char* bytes, std::size_t count) { raw->Write(bytes, count); });
+    if constexpr (kConvert != kNone) {
+      WriteInPieces(*units, kConvert({text.get(), size}, kKind, Direction::kToUnits).View());
     }
-    if (kConvert == kNone) return;
-    const Converted units = kConvert({text.get(), size}, kKind, Direction::kToUnits);
-    WriteInPieces(units_, {units.bytes.get(), units.count});
-  }
-  std::uint64_t Check() override { return SumOf(kConvert == kNone ? raw_ : units_); }
-
- private:
-  const Setting setting_;
-  HostFile raw_;
-  HostFile units_;
-};
+  };
+  const auto prepare = [=] {
+    *raw = HostFile::Nameless(setting.directory);
+    *units = HostFile::Nameless(setting.directory);
+  };
+  return {run, [=] { return SumOf(kConvert == kNone ? *raw : *units); }, prepare};
+}
 
 /// The bytes or units come from a file like the swap file.
 template <ContentKind kKind, Convert kConvert>
-class SaveLoop : public Contestant {
- public:
-  explicit SaveLoop(const Setting& setting) : target_(setting.directory), swap_(HostFile::Nameless(setting.directory)) {
-    const std::string content = Content(setting.content);
-    mark_ = content.substr(0, MarkSize(kKind));
-    const std::string_view text = std::string_view(content).substr(mark_.size());
-    if (kConvert == kNone) {
-      WriteInPieces(swap_, text);
-    } else {
-      const Converted units = kConvert(text, kKind, Direction::kToUnits);
-      WriteInPieces(swap_, {units.bytes.get(), units.count});
-    }
+Contestant SaveLoop(const Setting& setting) {
+  const auto swap = Swap(setting);
+  const std::string content = Content(setting.content);
+  const std::string mark = content.substr(0, MarkSize(kKind));
+  const std::string_view whole = std::string_view(content).substr(mark.size());
+  if constexpr (kConvert == kNone) {
+    WriteInPieces(*swap, whole);
+  } else {
+    WriteInPieces(*swap, kConvert(whole, kKind, Direction::kToUnits).View());
   }
-  void Prepare() override { target_.Remove(); }
-  void Run() override {
-    HostFile file = HostFile::Create(target_.Name());
-    file.Write(mark_.data(), mark_.size());
-    const auto size = static_cast<std::size_t>(swap_.Size());
-    const std::unique_ptr<char[]> text(kConvert == kNone ? nullptr : new char[size]);
-    char piece[kPage];
-    for (std::size_t at = 0; at < size; at += kPage) {
-      char* bytes = kConvert == kNone ? piece : &text[at];
-      const std::size_t count = std::min<std::size_t>(kPage, size - at);
-      swap_.ReadAt(static_cast<std::int64_t>(at), bytes, count);
-      if (kConvert == kNone) file.Write(bytes, count);
+  const auto target = std::make_shared<Target>(setting.directory);
+  const auto run = [=] {
+    HostFile file = HostFile::Create(target->Name());
+    file.Write(mark.data(), mark.size());
+    const auto size = static_cast<std::size_t>(swap->Size());
+    const auto text = RoomForText<kConvert>(size);
+    MovePieces(
+        size, text.get(),
+        [&](std::size_t at, char* bytes, std::size_t count) {
+          swap->ReadAt(static_cast<std::int64_t>(at), bytes, count);
+        },
+        [&](const char* bytes, std::size_t count) {
+          if (kConvert == kNone) file.Write(bytes, count);
+        });
+    if constexpr (kConvert != kNone) {
+      WriteInPieces(file, kConvert({text.get(), size}, kKind, Direction::kFromUnits).View());
     }
-    if (kConvert == kNone) return;
-    const Converted bytes = kConvert({text.get(), size}, kKind, Direction::kFromUnits);
-    WriteInPieces(file, {bytes.bytes.get(), bytes.count});
-  }
-  std::uint64_t Check() override { return SumOf(target_.Name()); }
-
- private:
-  const Target target_;
-  std::string mark_;
-  HostFile swap_;
-};
+  };
+  return {run, [=] { return SumOfFile(target->Name()); }, [=] { target->Remove(); }};
+}
 
 }  // namespace
 
 std::vector<ContestantEntry> LoopContestants() {
   using enum ContentKind;
   return {
-      {"load/bytes/loop", Make<LoadLoop<kText, kNone>>},
-      {"save/bytes/loop", Make<SaveLoop<kText, kNone>>},
-      {"load/utf16/loop", Make<LoadLoop<kUtf16, kNone>>},
-      {"save/utf16/loop", Make<SaveLoop<kUtf16, kNone>>},
-      {"load/utf8/iconv", Make<LoadLoop<kUtf8, ConvertByIconv>>},
-      {"save/utf8/iconv", Make<SaveLoop<kUtf8, ConvertByIconv>>},
-      {"load/utf16be/iconv", Make<LoadLoop<kUtf16Be, ConvertByIconv>>},
-      {"save/utf16be/iconv", Make<SaveLoop<kUtf16Be, ConvertByIconv>>},
+      {"load/bytes/loop", LoadLoop<kText, kNone>},
+      {"save/bytes/loop", SaveLoop<kText, kNone>},
+      {"load/utf16/loop", LoadLoop<kUtf16, kNone>},
+      {"save/utf16/loop", SaveLoop<kUtf16, kNone>},
+      {"load/utf8/iconv", LoadLoop<kUtf8, ConvertByIconv>},
+      {"save/utf8/iconv", SaveLoop<kUtf8, ConvertByIconv>},
+      {"load/utf16be/iconv", LoadLoop<kUtf16Be, ConvertByIconv>},
+      {"save/utf16be/iconv", SaveLoop<kUtf16Be, ConvertByIconv>},
 #ifdef TABLE_HAS_ICU
-      {"load/utf8/icu", Make<LoadLoop<kUtf8, ConvertByIcu>>},
-      {"save/utf8/icu", Make<SaveLoop<kUtf8, ConvertByIcu>>},
-      {"load/utf16be/icu", Make<LoadLoop<kUtf16Be, ConvertByIcu>>},
-      {"save/utf16be/icu", Make<SaveLoop<kUtf16Be, ConvertByIcu>>},
+      {"load/utf8/icu", LoadLoop<kUtf8, ConvertByIcu>},
+      {"save/utf8/icu", SaveLoop<kUtf8, ConvertByIcu>},
+      {"load/utf16be/icu", LoadLoop<kUtf16Be, ConvertByIcu>},
+      {"save/utf16be/icu", SaveLoop<kUtf16Be, ConvertByIcu>},
 #endif
   };
 }

@@ -9,6 +9,7 @@
 #include <ctime>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// Seconds since some point in the past.
@@ -64,3 +65,9 @@ class Checksum {
   }
   std::uint64_t value_ = 1;
 };
+
+inline std::uint64_t SumOf(std::string_view bytes) {
+  Checksum sum;
+  sum.Add(bytes.data(), bytes.size());
+  return sum.Value();
+}

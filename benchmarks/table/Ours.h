@@ -1,6 +1,7 @@
 // What the contestants that use the library have in common.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,15 @@ inline void LoadContent(TCharVFile& text, const Setting& setting) {
   Expect(text.res == resDone && text.TCharLength() > 0, "load of a text");
 }
 
+/// A file or text with the content.
+template <typename File>
+std::shared_ptr<File> Loaded(const Setting& setting) {
+  UseSettings(setting);
+  auto file = std::make_shared<File>();
+  LoadContent(*file, setting);
+  return file;
+}
+
 /// Sum of what `read` brings into the buffer of 64 KiB that it is given, until that is 0 bytes.
 template <typename Read>
 std::uint64_t SumOfReads(Read read) {
@@ -46,16 +56,3 @@ inline std::uint64_t SumOf(TCharVFile& text) {
   text.SetTCharPos(0);
   return SumOfReads([&](char* piece) { return 2 * text.ReadTChars(reinterpret_cast<TChar*>(piece), 1 << 15); });
 }
-
-/// A contestant with the content in a file of the library.
-class OnFile : public Contestant {
- public:
-  explicit OnFile(const Setting& setting) : setting_(setting) {
-    UseSettings(setting);
-    LoadContent(file_, setting);
-  }
-
- protected:
-  const Setting setting_;
-  VFile file_;
-};

@@ -138,18 +138,18 @@ int ServeContestant(const std::vector<std::string>& arguments) {
   Expect(arguments.size() == 6, "arguments of a contestant");
   const Setting setting = {arguments[1], arguments[2], std::stoll(arguments[3]), std::stoi(arguments[4]),
                            static_cast<std::int16_t>(std::stoi(arguments[5]))};
-  const std::unique_ptr<Contestant> contestant = MakeContestant(arguments[0], setting);
+  const Contestant contestant = MakeContestant(arguments[0], setting);
   for (std::string command; std::getline(std::cin, command);) {
     if (command.rfind("round", 0) == 0) {
       const auto now = command == "round" ? Now : ProcessorNow;
-      contestant->Prepare();
+      contestant.prepare();
       const double begin = now();
-      contestant->Run();
+      contestant.run();
       std::cout << std::to_string((now() - begin) * 1e9);
     } else if (command == "memory") {
       std::cout << PeakMemory();
     } else if (command == "check") {
-      std::cout << contestant->Check();
+      std::cout << contestant.check();
     }
     std::cout << std::endl;
   }
