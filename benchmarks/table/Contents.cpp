@@ -84,7 +84,7 @@ std::string ContentFile(const std::string& directory, ContentKind kind, std::int
   std::mt19937 random(5);
   for (std::size_t left = static_cast<std::size_t>(size) - mark.size(); left > 0;) {
     // The end, which may be cut anywhere, is ASCII.
-    std::string bytes = InForm(SomeLines(kPiece, IsMixed(kind) && left > 4 * kPiece, random), kind);
+    std::string bytes = InForm(SomeLines(kPiece, IsMixed(kind) && left > 3 * kPiece, random), kind);
     bytes.resize(std::min(bytes.size(), left));
     if (kind == ContentKind::kMarked) Mark(bytes);
     file.Write(bytes.data(), bytes.size());

@@ -84,6 +84,12 @@ Target::~Target() { Remove(); }
 
 void Target::Remove() const { unlink(name_.c_str()); }
 
+void Settle(const std::string& directory) {
+  const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  Expect(descriptor >= 0 && syncfs(descriptor) == 0, directory + ": cannot be written through");
+  close(descriptor);
+}
+
 std::string Content(const std::string& name) {
   std::string content;
   const HostFile file = HostFile::Open(name);

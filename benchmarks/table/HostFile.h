@@ -45,6 +45,9 @@ class Target {
   const std::string name_;
 };
 
+/// Has the system write what it has for the disk of that directory, so that it does not do so in the middle of a round.
+void Settle(const std::string& directory);
+
 /// The bytes of a file.
 std::string Content(const std::string& name);
 std::uint64_t SumOfFile(const std::string& name);

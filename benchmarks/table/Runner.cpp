@@ -10,9 +10,13 @@
 #include <unistd.h>
 
 #include "Contestant.h"
+#include "HostFile.h"
 #include "Measuring.h"
 
 namespace {
+
+/// Less does not come to the disk while a row is measured.
+constexpr std::int64_t kWorthSettling = 512 * kMiB;
 
 /// A contestant's process. It answers each line with a line, and ends with its input.
 class Process {
@@ -117,6 +121,7 @@ Outcome RunRow(const Row& row, const std::string& directory, const Effort& effor
   for (std::size_t i = 0; i < row.goal.holders.size(); ++i) start(row.goal.holders[i], outcome.holders[i], false);
   for (std::size_t i = 0; i < row.peers.size(); ++i) start(row.peers[i], outcome.peers[i], true);
 
+  if (row.size >= kWorthSettling) Settle(directory);
   const char* command = effort.processorTime ? "round of the processor" : "round";
   const double begin = Now();
   for (std::size_t& round = outcome.rounds; round < effort.mostRounds; ++round) {
