@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "vfile/BlkPool.h"
+#include "vfile/InBlock.h"
 #include "vfile/LineEnds.h"
 #include "vfile/NewChain.h"
 #include "vfile/Require.h"
@@ -39,14 +40,6 @@ void VFile::InitChange(std::int32_t position) {
   } else {
     LoadBuf();
   }
-}
-
-/// Whether the walk to a change at `position` ends in the current block, told by what lies close by.
-bool VFile::StaysForChange(std::int32_t position) const {
-  const std::int32_t ix = position - cur.base;
-  const BlkDesc& block = *cur.ptr;
-  if (ix == 0) return block.len > 0 && (block.prev == nullptr || block.prev->len >= BlkSize);
-  return ix > 0 && (ix < block.len || (ix == block.len && (cur.ptr == last || block.len < BlkSize)));
 }
 
 /// Takes out `del` bytes at the cursor, which are there, and puts in `ins` bytes: `n` of them, which fit the current block behind

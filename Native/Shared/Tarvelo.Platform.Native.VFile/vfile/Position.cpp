@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "hsys/WrapAdd.h"
+#include "vfile/InBlock.h"
 #include "vfile/VFile.h"
 
 void VFile::SetPos(std::int32_t position) {
@@ -16,15 +17,10 @@ void VFile::SetPos(std::int32_t position) {
 /// `SetPos` in the middle of an operation: a refusal that stands in `res` stays there. Gives whether it moved.
 bool VFile::MoveOn(std::int32_t position) {
   position = std::min(position, length);
-  const std::int32_t ix = position - cur.base;
-  if (ix >= 0 && (ix < cur.ptr->len || cur.ptr == last)) {
-    // The outcome of the walk, in the block where the cursor is.
-    cur.ix = static_cast<std::int16_t>(ix);
-  } else {
-    BlkRdr target = cur;
-    Walk(target, position, false);
-    if (!MoveTo(target)) return false;
-  }
+  if (MoveInBlock(position)) return true;
+  BlkRdr target = cur;
+  Walk(target, position, false);
+  if (!MoveTo(target)) return false;
   pos = position;
   eof = false;
   return true;

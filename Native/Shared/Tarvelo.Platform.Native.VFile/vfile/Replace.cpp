@@ -9,6 +9,7 @@
 #include "hsys/Checked.h"
 #include "vfile/BlkPool.h"
 #include "vfile/ContentSource.h"
+#include "vfile/InBlock.h"
 #include "vfile/LineEnds.h"
 #include "vfile/NewChain.h"
 #include "vfile/Require.h"
@@ -80,6 +81,11 @@ bool VFile::Clamp(std::int32_t& position, std::int32_t& del, std::int32_t count)
 /// The rest of step 4: whether the thread's space has the pages that a change takes before it gives any back. `ownBlocks` says
 /// that all its bytes come in blocks of their own.
 bool VFile::SpaceHolds(std::int32_t position, std::int32_t del, std::int32_t count, bool ownBlocks) {
+  if (!ownBlocks && bufValid && StaysForChange(position)) {
+    const BlkRdr here = {cur.ptr, cur.base, static_cast<std::int16_t>(position - cur.base)};
+    if (FitsInBlock(here, del, count)) [[likely]]
+      return true;
+  }
   const std::int32_t left = pool->PagesLeft();
   // The least that a change of so many bytes can do with is not far below the most.
   constexpr std::int32_t kMostBeside = 3;
@@ -108,16 +114,11 @@ bool VFile::Allow(std::int32_t position, std::int32_t del, std::int32_t ins) {
 /// Step 6.
 void VFile::Finish(std::int32_t position) {
   res = resDone;
-  MoveOn(position);
+  if (!MoveInBlock(position)) MoveOn(position);
   if constexpr (hsys::kChecked) CheckInvariants();
 }
 
 // ---- The change of a buffer or a file, whose arguments are settled ----
-
-/// Whether the change stays inside the cursor's block.
-bool VFile::FitsInBlock(const BlkRdr& cursor, std::int32_t del, std::int32_t count) {
-  return del <= cursor.ptr->len - cursor.ix && count <= BlkSize - (cursor.ptr->len - del);
-}
 
 template <typename Source>
 void VFile::ChangeFrom(Source& source, std::int32_t position, std::int32_t del, std::int32_t count) {
@@ -141,11 +142,15 @@ bool VFile::ChangeInBlock(Source& source, std::int32_t position, std::int32_t de
   unsigned char* at = buf + cur.ix;
   const std::int32_t tail = cur.ptr->len - cur.ix - del;
   if (tail > 0 && del != count) std::memmove(at + count, at + del, static_cast<std::size_t>(tail));
-  if (count > 0) std::memcpy(at, bytes, static_cast<std::size_t>(count));
+  if (count == 1) {
+    *at = *static_cast<const unsigned char*>(bytes);
+  } else if (count > 0) {
+    std::memcpy(at, bytes, static_cast<std::size_t>(count));
+  }
   cur.ptr->len = static_cast<std::int16_t>(cur.ptr->len - del + count);
   length = length - del + count;
   MarkDirty();
-  CheckCurLen();
+  if (cur.ptr->len == 0) CheckCurLen();
   return true;
 }
 

@@ -43,12 +43,6 @@ bool VFile::LoadBuf() {
   return true;
 }
 
-/// The buffer gets newer than its page from the cursor on.
-void VFile::MarkDirty() {
-  dirtyFrom = bufDirty ? std::min(dirtyFrom, cur.ix) : cur.ix;
-  bufDirty = true;
-}
-
 /// Copies bytes of the current block where `LoadBuf` has failed: for want of a buffer, or there is nothing to be had.
 bool VFile::CopyUnbuffered(std::int32_t ix, void* bytes, std::int32_t count) {
   return buf == nullptr && (vm->GetBlock(cur.ptr->addr + ix, bytes, count) || Refuse());

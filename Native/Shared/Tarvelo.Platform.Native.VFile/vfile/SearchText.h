@@ -127,6 +127,7 @@ class SearchText {
         length_(length),
         direction_(direction),
         first_(searched_.VariantsOf(text[0])),
+        middle_(searched_.VariantsOf(text[length / 2])),
         last_(searched_.VariantsOf(text[length - 1])) {}
 
   /// Forgets what was matched, for a search from somewhere else.
@@ -183,12 +184,15 @@ class SearchText {
     return element;
   }
 
-  bool HasFilter() const { return first_.count <= 2 && last_.count <= 2; }
+  bool HasFilter() const { return first_.count <= 2 && middle_.count <= 2 && last_.count <= 2; }
 
-  /// Which of the places from `i` on, as many as there are lanes, have the right element at both ends.
+  /// Which of the places from `i` on, as many as there are lanes, have the right element at both ends, and in the middle too.
   std::uint32_t Places(const unsigned char* bytes, std::int32_t i) const {
-    return ElementLanes::Either(At(bytes, i), first_.first, first_.second) &
-           ElementLanes::Either(At(bytes, i + length_ - 1), last_.first, last_.second);
+    const auto having = [&](const Variants<Element>& variants, std::int32_t offset) {
+      return ElementLanes::Either(At(bytes, i + offset), variants.first, variants.second);
+    };
+    const std::uint32_t ends = having(first_, 0) & having(last_, length_ - 1);
+    return ends == 0 ? 0 : ends & having(middle_, length_ / 2);
   }
 
   bool IsPlace(const unsigned char* bytes, std::int32_t i) const {
@@ -247,6 +251,7 @@ class SearchText {
   std::int32_t length_;
   Direction direction_;
   Variants<Element> first_;
+  Variants<Element> middle_;
   Variants<Element> last_;
   std::int32_t k_ = 0;  // elements matched, below `length_`
 };

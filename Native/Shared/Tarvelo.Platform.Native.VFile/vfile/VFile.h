@@ -653,6 +653,12 @@ class VFILE_API VFile {
   void ShortenBehind(std::int32_t len);
   void LinkBehind(NewChain& chain);
 
+  // InBlock.h
+  bool MoveInBlock(std::int32_t position);
+  bool StaysForChange(std::int32_t position) const;
+  static bool FitsInBlock(const BlkRdr& cursor, std::int32_t del, std::int32_t count);
+  void MarkDirty();
+
   // Walk.cpp
   void Walk(BlkRdr& cursor, std::int32_t position, bool forChange) const;
   void FindFar(BlkRdr& cursor, std::int32_t position) const;
@@ -669,7 +675,6 @@ class VFILE_API VFile {
   bool Refuse();
   bool MakeBuf();
   bool LoadBuf();
-  void MarkDirty();
   bool CopyUnbuffered(std::int32_t ix, void* bytes, std::int32_t count);
   bool WriteBack();
   bool MoveTo(const BlkRdr& target);
@@ -686,7 +691,6 @@ class VFILE_API VFile {
 
   // Change.cpp
   void InitChange(std::int32_t position);
-  bool StaysForChange(std::int32_t position) const;
   bool DoChange(std::int32_t del, const void* bytes, std::int32_t n, NewChain& chain, std::int32_t ins);
   bool SaveTail(std::int32_t from, NewChain& chain);
   bool CutBehind(std::int32_t count, NewChain& chain, BlkDesc*& kept, std::int32_t& keptLen);
@@ -700,7 +704,6 @@ class VFILE_API VFile {
   bool Clamp(std::int32_t& position, std::int32_t& del, std::int32_t count);
   bool Allow(std::int32_t position, std::int32_t del, std::int32_t ins);
   bool SpaceHolds(std::int32_t position, std::int32_t del, std::int32_t count, bool ownBlocks);
-  static bool FitsInBlock(const BlkRdr& cursor, std::int32_t del, std::int32_t count);
   template <typename Source>
   VFILE_LOCAL bool CopyFrom(Source& source, void* target, std::int32_t count);
   template <typename Source>

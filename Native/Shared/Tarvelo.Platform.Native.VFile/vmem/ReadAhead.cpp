@@ -1,5 +1,7 @@
 #include "vmem/ReadAhead.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 
@@ -10,26 +12,26 @@ namespace {
 
 /// Pages that are asked for one behind the other before it is a run.
 constexpr std::int32_t kLeastRun = 3;
-/// How far behind the one before a page of a run may lie: those between are cached.
-constexpr std::int32_t kMostAhead = 4 * kPageSize;
+/// How far from the one before a page of a run may lie: those between are cached.
+constexpr std::int32_t kMostApart = 4 * kPageSize;
 
 }  // namespace
 
 bool ReadAhead::Take(std::int32_t addr, unsigned char* data) {
   for (Run& run : runs_) {
     if (addr < run.begin || addr >= run.end) continue;
-    std::memcpy(data, run.room.get() + (addr - run.begin), kPageSize);
-    run.next = addr + kPageSize;
+    std::memmove(data, run.room.get() + (addr - run.begin), kPageSize);
+    run.last = addr;
     latest_ = static_cast<std::int32_t>(&run - runs_);
     return true;
   }
   return false;
 }
 
-std::int32_t ReadAhead::Miss(std::int32_t addr) {
-  const auto goesOn = [&](const Run& run) { return addr >= run.next && addr - run.next < kMostAhead; };
+ReadAhead::Stretch ReadAhead::Miss(std::int32_t addr, std::int32_t fileLen) {
+  const auto isNear = [&](const Run& run) { return run.length > 0 && std::abs(addr - run.last) <= kMostApart; };
   std::int32_t chosen = 0;
-  while (chosen < kRuns && !(runs_[chosen].length > 0 && goesOn(runs_[chosen]))) ++chosen;
+  while (chosen < kRuns && !isNear(runs_[chosen])) ++chosen;
   if (chosen == kRuns) {
     chosen = (latest_ + 1) % kRuns;
     runs_[chosen].length = 0;
@@ -37,10 +39,16 @@ std::int32_t ReadAhead::Miss(std::int32_t addr) {
   }
   latest_ = chosen;
   Run& run = runs_[chosen];
-  // The address behind the last page of all is no 32-bit number; no page follows that one.
-  run.next = static_cast<std::int32_t>(static_cast<std::uint32_t>(addr) + kPageSize);
-  if (run.length < kLeastRun) ++run.length;
-  return run.length < kLeastRun ? 1 : kPages;
+  const bool rises = addr >= run.last;
+  // A run that turns has its last page and this one.
+  run.length = run.length > 1 && rises != run.rises ? 2 : std::min(run.length + 1, kLeastRun);
+  run.rises = rises;
+  run.last = addr;
+  const std::int32_t pagesBehind = (fileLen - addr) / kPageSize;
+  if (run.length < kLeastRun || pagesBehind == 0) return {addr, 1};
+  if (rises) return {addr, std::min(pagesBehind, kPages)};
+  const std::int32_t pages = std::min(addr / kPageSize + 1, kPages);
+  return {addr - (pages - 1) * kPageSize, pages};
 }
 
 unsigned char* ReadAhead::Room() {
@@ -49,15 +57,15 @@ unsigned char* ReadAhead::Room() {
   return run.room.get();
 }
 
-void ReadAhead::Hold(std::int32_t addr, std::int32_t pages) {
-  runs_[latest_].begin = addr;
-  runs_[latest_].end = addr + pages * kPageSize;
+void ReadAhead::Hold(const Stretch& stretch) {
+  runs_[latest_].begin = stretch.begin;
+  runs_[latest_].end = stretch.begin + stretch.pages * kPageSize;
 }
 
 void ReadAhead::Forget(std::int32_t addr) {
   for (Run& run : runs_) {
     if (addr < run.begin || addr >= run.end) continue;
-    // Those before it can still be asked for.
+    // Those before it stay.
     run.end = addr;
   }
 }

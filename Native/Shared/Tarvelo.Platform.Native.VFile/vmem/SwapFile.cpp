@@ -146,13 +146,13 @@ bool VMem::TakeReadAhead(std::int32_t addr, unsigned char* data) {
   if (readAhead == nullptr) readAhead = new (std::nothrow) vmem::ReadAhead;
   if (readAhead == nullptr) return false;
   if (readAhead->Take(addr, data)) return true;
-  const std::int32_t pages = std::min(readAhead->Miss(addr), (fileLen - addr) / kPageSize);
-  unsigned char* room = pages > 1 ? readAhead->Room() : nullptr;
+  const vmem::ReadAhead::Stretch stretch = readAhead->Miss(addr, fileLen);
+  unsigned char* room = stretch.pages > 1 ? readAhead->Room() : nullptr;
   if (room == nullptr) return false;
   std::uint32_t done = 0;
-  const auto wanted = static_cast<std::uint32_t>(pages * kPageSize);
-  if (!host::ReadFile(swapFile, room, wanted, &done, PlaceOf(addr)) || done != wanted) return false;
-  readAhead->Hold(addr, pages);
+  const auto wanted = static_cast<std::uint32_t>(stretch.pages * kPageSize);
+  if (!host::ReadFile(swapFile, room, wanted, &done, PlaceOf(stretch.begin)) || done != wanted) return false;
+  readAhead->Hold(stretch);
   return readAhead->Take(addr, data);
 }
 
