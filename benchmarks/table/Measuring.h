@@ -32,8 +32,8 @@ inline double Median(std::vector<double> values) {
 }
 
 /// A wrong result ends the measurement.
-inline void Expect(bool right, const std::string& what) {
-  if (!right) throw std::runtime_error(what);
+inline void Expect(bool right, std::string_view what) {
+  if (!right) throw std::runtime_error(std::string(what));
 }
 
 /// Keeps the compiler from leaving out what fills the bytes at `data`.
