@@ -131,7 +131,7 @@ class OneBlock {
 class PageEdits {
  public:
   explicit PageEdits(const Setting& setting)
-      : file_(NamelessCopy(setting.directory, setting.content)), pages_(setting.size / kPage), block_(setting) {}
+      : file_(NamelessCopy(setting.directory, setting.content)), pages_(PagesIn(setting.size)), block_(setting) {}
   void Insert(std::size_t at, std::string_view bytes) {
     file_.ReadPage(PageOf(at), block_.Bytes());
     block_.Insert(at, bytes);

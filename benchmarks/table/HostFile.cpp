@@ -75,7 +75,7 @@ void HostFile::ReadAt(std::int64_t place, char* bytes, std::size_t count) const 
 }
 
 void HostFile::WritePage(std::int64_t page, const char* bytes) {
-  Expect(pwrite(descriptor_, bytes, kPage, page * kPage) == kPage, "write");
+  Expect(pwrite(descriptor_, bytes, kPage, page * std::int64_t{kPage}) == std::int64_t{kPage}, "write");
 }
 
 Target::Target(const std::string& directory) : name_(directory + "/target-" + std::to_string(getpid())) {}

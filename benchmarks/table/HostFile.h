@@ -6,6 +6,7 @@
 #include <string>
 
 constexpr std::size_t kPage = 1024;
+constexpr std::int64_t PagesIn(std::int64_t size) { return size / std::int64_t{kPage}; }
 
 /// An open file, closed at its end. A call that fails throws.
 class HostFile {

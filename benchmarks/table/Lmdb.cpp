@@ -18,7 +18,7 @@ class Base {
     Begin(true);
     Do(mdb_dbi_open(transaction_, nullptr, MDB_INTEGERKEY, &pages_));
     const HostFile file = HostFile::Open(setting.content);
-    for (page_ = 0; page_ < setting.size / std::int64_t{kPage}; ++page_) {
+    for (page_ = 0; page_ < PagesIn(setting.size); ++page_) {
       char bytes[kPage];
       file.ReadPage(page_, bytes);
       Write(bytes);

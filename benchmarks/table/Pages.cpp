@@ -23,7 +23,7 @@ std::shared_ptr<VMem> Space(std::int64_t pages) {
 
 /// Pages of a space with the content.
 Contestant PagesOfSpace(const Setting& setting) {
-  const std::int64_t pages = setting.size / kPageSize;
+  const std::int64_t pages = PagesIn(setting.size);
   const auto space = Space(pages);
   space->SetMaxCacheSize(setting.cache);
   space->SetTempDir(Units(setting.directory).c_str());

@@ -65,7 +65,7 @@ Contestant FindUnits(const Setting& setting) {
 template <Needle kNeedle>
 Contestant FindInPages(const Setting& setting) {
   const auto file = std::make_shared<HostFile>(NamelessCopy(setting.directory, setting.content));
-  const auto run = [=, pages = setting.size / std::int64_t{kPage}] {
+  const auto run = [=, pages = PagesIn(setting.size)] {
     constexpr std::size_t kOverlap = kNeedleSize - 1;
     char bytes[kOverlap + kPage] = {};
     for (std::int64_t i = 0; i < pages; ++i) {
@@ -83,7 +83,7 @@ template <int kFiles>
 Contestant PagesInOrder(const Setting& setting) {
   const auto files = std::make_shared<std::vector<HostFile>>();
   for (int i = 0; i < kFiles; ++i) files->push_back(NamelessCopy(setting.directory, setting.content));
-  const auto run = [=, pages = setting.size / std::int64_t{kPage}] {
+  const auto run = [=, pages = PagesIn(setting.size)] {
     char page[kPage];
     for (std::int64_t i = 0; i < pages; ++i) {
       for (const HostFile& file : *files) file.ReadPage(i, page);

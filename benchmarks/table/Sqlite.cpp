@@ -17,7 +17,7 @@ class Base {
     sqlite3_stmt* insert = nullptr;
     Expect(sqlite3_prepare_v2(base_, "INSERT INTO pages VALUES (?)", -1, &insert, nullptr) == SQLITE_OK, "sqlite");
     const HostFile file = HostFile::Open(setting.content);
-    for (std::int64_t page = 0; page < setting.size / std::int64_t{kPage}; ++page) {
+    for (std::int64_t page = 0; page < PagesIn(setting.size); ++page) {
       char bytes[kPage];
       file.ReadPage(page, bytes);
       sqlite3_bind_blob(insert, 1, bytes, kPage, SQLITE_TRANSIENT);
