@@ -19,6 +19,7 @@ using Script = std::vector<Edit>;
 /// Inserts and deletes of 16 bytes in turn, each at a place of its own.
 Script AtRandom(std::int64_t size, std::int32_t count) {
   Script script;
+  script.reserve(static_cast<std::size_t>(count));
   std::mt19937 random(1);
   const auto places = static_cast<std::uint32_t>(size - 16);
   for (std::int32_t i = 0; i < count; ++i) {

@@ -20,9 +20,11 @@ namespace {
 
 constexpr char kUsage[] =
     "vfile_table [--quick] [--cpu] [--only TEXT] [--markdown FILE] [--pictures DIRECTORY]\n"
-    "Measures, and prints a table. --quick takes fewer rounds and leaves out contents of more than 128 MiB, --only "
-    "takes\n"
-    "the rows in whose work the text occurs. Files are made in the directory that TMPDIR names, else in /var/tmp.\n";
+    "Measures, and prints a table.\n"
+    "  --quick  takes fewer rounds and leaves out contents of more than 128 MiB\n"
+    "  --cpu    counts the time of the processor, for a machine that has other work\n"
+    "  --only   takes the rows in whose work the text occurs\n"
+    "Files are made in the directory that TMPDIR names, else in /var/tmp.\n";
 
 /// Larger contents are left out of a quick run.
 constexpr std::int64_t kQuickSize = 128 * kMiB;
@@ -79,16 +81,10 @@ Effort EffortFor(const Row& row, const Options& options) {
 }
 
 std::vector<Row> RowsFor(const Options& options) {
-  std::vector<Row> rows;
-  std::size_t large = 0;
-  for (const Row& row : TableRows()) {
-    if (row.Text().find(options.only) == std::string::npos) continue;
-    if (options.quick && row.size > kQuickSize) {
-      ++large;
-    } else {
-      rows.push_back(row);
-    }
-  }
+  std::vector<Row> rows = TableRows();
+  std::erase_if(rows, [&](const Row& row) { return row.Text().find(options.only) == std::string::npos; });
+  const auto isLarge = [&](const Row& row) { return options.quick && row.size > kQuickSize; };
+  const std::size_t large = std::erase_if(rows, isLarge);
   if (large > 0) std::printf("%zu rows of more than 128 MiB are left out.\n", large);
   return rows;
 }
