@@ -48,7 +48,7 @@ constexpr double kFraction = 0.2;
 std::string GoalText(const Row& row) {
   if (row.OfMemory()) return MemoryText(row.goal.bound);
   if (row.goal.bound < kFraction) return "1/" + Format("%.0f", 1 / row.goal.bound) + " of " + row.goal.limit;
-  return Format("%.2f", row.goal.bound) + " x " + row.goal.limit;
+  return Format("%g", row.goal.bound) + " x " + row.goal.limit;
 }
 
 std::string RatioText(const Row& row, const Outcome& outcome) {
@@ -80,7 +80,7 @@ std::vector<std::string> ColumnsOf(const Row& row, const Outcome& outcome) {
 }
 
 void PrintColumns(const std::vector<std::string>& columns) {
-  constexpr int kWidths[] = {-43, -30, 8, 8, 7, -5, 0};
+  constexpr int kWidths[] = {-45, -30, 8, 8, 7, -5, 0};
   for (std::size_t i = 0; i < columns.size(); ++i) std::printf("%*s ", kWidths[i], columns[i].c_str());
   std::printf("\n");
   std::fflush(stdout);
