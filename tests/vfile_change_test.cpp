@@ -208,6 +208,7 @@ TEST(Heap, AFailureAnywhereLeavesTheFileAsItWas) {
   for (const auto& [change, failures, beforeMoving] : rows) {
     for (const bool cached : {false, true}) {
       VFile::SetMaxCacheSize(cached ? 70 : 0);
+      int told = 0;
       for (int k = 1, failed = true; failed; ++k) {
         SCOPED_TRACE(testing::Message() << failures << ", allocation " << k << ", cached " << cached);
         Chain file({1024, 500});
@@ -216,13 +217,17 @@ TEST(Heap, AFailureAnywhereLeavesTheFileAsItWas) {
         const std::deque<VFile> others = FilesWithAllDescriptors();
         const std::string halted = WithFailing(k, [&, run = change] { run(file); });
         failed = support::FailingHeap::HasFailed();
-        EXPECT_TRUE(cached || failed == (k <= failures));
+        // Pages are not read ahead where there is no room for it, and nobody is told.
+        if (halted.empty() && file.res == resDone) continue;
+        EXPECT_TRUE(failed);
+        ++told;
         // Where there was no room for a page the file is only good for the destructor.
-        if (!failed || (cached && !halted.empty())) continue;
+        if (cached && !halted.empty()) continue;
         EXPECT_EQ(halted + std::to_string(file.res), std::to_string(resHeapOverflow));
-        EXPECT_TRUE(cached || file.GetPos() == (k <= beforeMoving ? 0 : 500));
+        EXPECT_TRUE(cached || file.GetPos() == (told <= beforeMoving ? 0 : 500));
         EXPECT_TRUE(Bytes(file) == Pattern(1524) && Lens(file) == (Lengths{1024, 500}));
       }
+      EXPECT_TRUE(cached || told == failures) << told;
     }
   }
 }

@@ -14,14 +14,14 @@
 /// Brings the cursor and the scratch buffer to a change at `position`. A failure is `resHeapOverflow` in `res`.
 void VFile::InitChange(std::int32_t position) {
   if (StaysForChange(position)) {
-    cur.ix = static_cast<std::int16_t>(position - cur.base);
+    MoveWithin(position - cur.base);
   } else {
     BlkRdr target = cur;
     Walk(target, position, true);
     if (!MoveTo(target)) return;
+    pos = position;
+    eof = false;
   }
-  pos = position;
-  eof = false;
   if (bufValid) return;
   if (!MakeBuf()) {
     Refuse();

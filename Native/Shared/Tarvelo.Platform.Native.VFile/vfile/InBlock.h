@@ -6,14 +6,18 @@
 
 #include "vfile/VFile.h"
 
+/// Moves to the byte `ix` of the current block.
+inline bool VFile::MoveWithin(std::int32_t ix) {
+  cur.ix = static_cast<std::int16_t>(ix);
+  pos = cur.base + ix;
+  eof = false;
+  return true;
+}
+
 /// Moves to `position`, 0 to `length`, if that is in the current block.
 inline bool VFile::MoveInBlock(std::int32_t position) {
   const std::int32_t ix = position - cur.base;
-  if (ix < 0 || (ix >= cur.ptr->len && cur.ptr != last)) return false;
-  cur.ix = static_cast<std::int16_t>(ix);
-  pos = position;
-  eof = false;
-  return true;
+  return ix >= 0 && (ix < cur.ptr->len || cur.ptr == last) && MoveWithin(ix);
 }
 
 /// Whether the walk to a change at `position` ends in the current block, told by what lies close by.

@@ -14,54 +14,76 @@
 
 namespace vfile {
 
-/// Elements that lie side by side, at any alignment, as bytes of a file. `Either` gives a mask with a bit for each that equals `a` or
-/// `b`, the lowest for the first.
+/// `kCount` elements that lie side by side, at any alignment, as bytes of a file. What is compared gives a mask with a bit for each that
+/// is equal, the lowest for the first.
 template <typename Element>
-struct Lanes;
+class Lanes;
 
 #if defined(__SSE2__)
 
 template <>
-struct Lanes<unsigned char> {
+class Lanes<unsigned char> {
+ public:
   static constexpr std::int32_t kCount = 16;
 
-  static std::uint32_t Either(const unsigned char* bytes, unsigned char a, unsigned char b) {
-    const __m128i lanes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-    const __m128i equal = _mm_or_si128(_mm_cmpeq_epi8(lanes, _mm_set1_epi8(static_cast<char>(a))),
-                                       _mm_cmpeq_epi8(lanes, _mm_set1_epi8(static_cast<char>(b))));
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(equal));
-  }
+  explicit Lanes(const unsigned char* bytes) : lanes_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes))) {}
+
+  std::uint32_t Equal(unsigned char a) const { return Mask(Compare(a)); }
+  std::uint32_t Either(unsigned char a, unsigned char b) const { return Mask(_mm_or_si128(Compare(a), Compare(b))); }
+
+ private:
+  __m128i Compare(unsigned char a) const { return _mm_cmpeq_epi8(lanes_, _mm_set1_epi8(static_cast<char>(a))); }
+  static std::uint32_t Mask(__m128i equal) { return static_cast<std::uint32_t>(_mm_movemask_epi8(equal)); }
+
+  __m128i lanes_;
 };
 
 template <>
-struct Lanes<TChar> {
+class Lanes<TChar> {
+ public:
   static constexpr std::int32_t kCount = 16;
 
-  static std::uint32_t Either(const unsigned char* bytes, TChar a, TChar b) {
-    const auto half = [&](const unsigned char* from) {
-      const __m128i lanes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
-      return _mm_or_si128(_mm_cmpeq_epi16(lanes, _mm_set1_epi16(static_cast<short>(a))),
-                          _mm_cmpeq_epi16(lanes, _mm_set1_epi16(static_cast<short>(b))));
-    };
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(half(bytes), half(bytes + sizeof(__m128i)))));
+  explicit Lanes(const unsigned char* bytes)
+      : low_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes))),
+        high_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes) + 1)) {}
+
+  std::uint32_t Equal(TChar a) const { return Mask(Compare(low_, a), Compare(high_, a)); }
+  std::uint32_t Either(TChar a, TChar b) const {
+    return Mask(_mm_or_si128(Compare(low_, a), Compare(low_, b)), _mm_or_si128(Compare(high_, a), Compare(high_, b)));
   }
+
+ private:
+  static __m128i Compare(__m128i lanes, TChar a) {
+    return _mm_cmpeq_epi16(lanes, _mm_set1_epi16(static_cast<short>(a)));
+  }
+  static std::uint32_t Mask(__m128i low, __m128i high) {
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(low, high)));
+  }
+
+  __m128i low_;
+  __m128i high_;
 };
 
 #else
 
 template <typename Element>
-struct Lanes {
+class Lanes {
+ public:
   static constexpr std::int32_t kCount = 16;
 
-  static std::uint32_t Either(const unsigned char* bytes, Element a, Element b) {
-    Element lanes[kCount];
-    std::memcpy(lanes, bytes, sizeof lanes);
+  explicit Lanes(const unsigned char* bytes) { std::memcpy(lanes_, bytes, sizeof lanes_); }
+
+  std::uint32_t Equal(Element a) const { return Either(a, a); }
+  std::uint32_t Either(Element a, Element b) const {
     std::uint32_t mask = 0;
     for (std::int32_t i = 0; i < kCount; ++i) {
-      mask |= static_cast<std::uint32_t>(lanes[i] == a || lanes[i] == b) << i;
+      mask |= static_cast<std::uint32_t>(lanes_[i] == a || lanes_[i] == b) << i;
     }
     return mask;
   }
+
+ private:
+  Element lanes_[kCount];
 };
 
 #endif

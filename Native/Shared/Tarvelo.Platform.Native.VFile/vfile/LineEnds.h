@@ -19,7 +19,7 @@ inline std::int32_t FindEol(const unsigned char* bytes, std::int32_t count) {
   using Bytes = Lanes<unsigned char>;
   std::int32_t i = 0;
   for (; i + Bytes::kCount <= count; i += Bytes::kCount) {
-    const std::uint32_t mask = Bytes::Either(bytes + i, kCr, kLf);
+    const std::uint32_t mask = Bytes(bytes + i).Either(kCr, kLf);
     if (mask != 0) return i + std::countr_zero(mask);
   }
   while (i < count && !IsEol(bytes[i])) ++i;
@@ -30,7 +30,7 @@ inline std::int32_t FindEol(const unsigned char* bytes, std::int32_t count) {
 inline std::int32_t FindEolBack(const unsigned char* bytes, std::int32_t count) {
   using Bytes = Lanes<unsigned char>;
   for (; count >= Bytes::kCount; count -= Bytes::kCount) {
-    const std::uint32_t mask = Bytes::Either(bytes + count - Bytes::kCount, kCr, kLf);
+    const std::uint32_t mask = Bytes(bytes + count - Bytes::kCount).Either(kCr, kLf);
     if (mask != 0) return count - Bytes::kCount + std::bit_width(mask);
   }
   while (count > 0 && !IsEol(bytes[count - 1])) --count;

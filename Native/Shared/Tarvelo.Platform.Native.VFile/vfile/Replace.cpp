@@ -81,11 +81,6 @@ bool VFile::Clamp(std::int32_t& position, std::int32_t& del, std::int32_t count)
 /// The rest of step 4: whether the thread's space has the pages that a change takes before it gives any back. `ownBlocks` says
 /// that all its bytes come in blocks of their own.
 bool VFile::SpaceHolds(std::int32_t position, std::int32_t del, std::int32_t count, bool ownBlocks) {
-  if (!ownBlocks && bufValid && StaysForChange(position)) {
-    const BlkRdr here = {cur.ptr, cur.base, static_cast<std::int16_t>(position - cur.base)};
-    if (FitsInBlock(here, del, count)) [[likely]]
-      return true;
-  }
   const std::int32_t left = pool->PagesLeft();
   // The least that a change of so many bytes can do with is not far below the most.
   constexpr std::int32_t kMostBeside = 3;
@@ -103,6 +98,20 @@ bool VFile::SpaceHolds(std::int32_t position, std::int32_t del, std::int32_t cou
   }
   if (pages > left) res = resTooLong;
   return pages <= left;
+}
+
+/// Brings the cursor and the buffer to a change whose arguments are settled.
+bool VFile::Prepare(std::int32_t position, std::int32_t del, std::int32_t count) {
+  if (del == 0 && count == 0) return true;
+  if (bufValid && StaysForChange(position)) {
+    const BlkRdr here = {cur.ptr, cur.base, static_cast<std::int16_t>(position - cur.base)};
+    // Such a change takes no page, and nothing is to be loaded.
+    if (FitsInBlock(here, del, count)) [[likely]]
+      return MoveWithin(here.ix);
+  }
+  if (!SpaceHolds(position, del, count, false)) return false;
+  InitChange(position);
+  return res == resDone;
 }
 
 /// The question of step 5.
@@ -180,13 +189,8 @@ void VFile::ReplaceBuf(std::int32_t position, std::int32_t del, const void* buff
   if (!OnOwnerThread() || res != resDone) return;
   if (del == SameLen) del = count;
   if (!Admit(position >= 0 && del >= 0 && count >= 0 && (buffer != nullptr || count == 0))) return;
-  if (!Clamp(position, del, count)) return;
-  if (del > 0 || count > 0) {
-    if (!SpaceHolds(position, del, count, false)) return;
-    InitChange(position);
-    if (res != resDone) return;
-    if (ScansEol() && count > 0) CheckEOL(buffer, count);
-  }
+  if (!Clamp(position, del, count) || !Prepare(position, del, count)) return;
+  if (ScansEol() && count > 0) CheckEOL(buffer, count);
   BufferSource source(buffer);
   ChangeFrom(source, position, del, count);
 }
@@ -216,12 +220,7 @@ void VFile::ReplaceTxt(std::int32_t position, std::int32_t del, const VFile& sou
   sourcePos = std::min(sourcePos, source.length);
   count = std::min(count, source.length - sourcePos);
   if (sameLen) del = count;
-  if (!Clamp(position, del, count)) return;
-  if (del > 0 || count > 0) {
-    if (!SpaceHolds(position, del, count, false)) return;
-    InitChange(position);
-    if (res != resDone) return;
-  }
+  if (!Clamp(position, del, count) || !Prepare(position, del, count)) return;
   FileSource bytes(source, sourcePos);
   ChangeFrom(bytes, position, del, count);
 }

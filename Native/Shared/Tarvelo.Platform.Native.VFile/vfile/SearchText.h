@@ -111,8 +111,8 @@ class SearchedUnits {
 /// The text of a search and how much of it the elements fed so far have matched, in order from its start or from its end. Elements
 /// are fed as the bytes of the file, run by run, at any alignment.
 ///
-/// Inside a run, places where the first and the last element of the text stand as far apart as they should are found many elements
-/// at a time, and compared. What a border between runs cuts is matched element by element, as told at `Shift`, and so is the rest of
+/// Inside a run, places where the first, the middle and the last element of the text stand as far apart as they should are found many
+/// elements at a time, and compared. What a border between runs cuts is matched element by element, as told at `Shift`, and so is the rest of
 /// a run where too many places turn out wrong: the cost stays linear in the elements, whatever they are.
 template <typename Searched>
 class SearchText {
@@ -186,13 +186,19 @@ class SearchText {
 
   bool HasFilter() const { return first_.count <= 2 && middle_.count <= 2 && last_.count <= 2; }
 
-  /// Which of the places from `i` on, as many as there are lanes, have the right element at both ends, and in the middle too.
+  /// Which of the places from `i` on, as many as there are lanes, have the right elements.
   std::uint32_t Places(const unsigned char* bytes, std::int32_t i) const {
-    const auto having = [&](const Variants<Element>& variants, std::int32_t offset) {
-      return ElementLanes::Either(At(bytes, i + offset), variants.first, variants.second);
-    };
-    const std::uint32_t ends = having(first_, 0) & having(last_, length_ - 1);
-    return ends == 0 ? 0 : ends & having(middle_, length_ / 2);
+    return searched_.IsSensitive()
+               ? PlacesBy(bytes, i,
+                          [](const ElementLanes& lanes, const auto& wanted) { return lanes.Equal(wanted.first); })
+               : PlacesBy(bytes, i, [](const ElementLanes& lanes, const auto& wanted) {
+                   return lanes.Either(wanted.first, wanted.second);
+                 });
+  }
+  template <typename Compare>
+  std::uint32_t PlacesBy(const unsigned char* bytes, std::int32_t i, Compare compare) const {
+    return compare(ElementLanes(At(bytes, i)), first_) & compare(ElementLanes(At(bytes, i + length_ / 2)), middle_) &
+           compare(ElementLanes(At(bytes, i + length_ - 1)), last_);
   }
 
   bool IsPlace(const unsigned char* bytes, std::int32_t i) const {

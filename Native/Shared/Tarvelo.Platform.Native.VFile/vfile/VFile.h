@@ -654,6 +654,7 @@ class VFILE_API VFile {
   void LinkBehind(NewChain& chain);
 
   // InBlock.h
+  bool MoveWithin(std::int32_t ix);
   bool MoveInBlock(std::int32_t position);
   bool StaysForChange(std::int32_t position) const;
   static bool FitsInBlock(const BlkRdr& cursor, std::int32_t del, std::int32_t count);
@@ -702,6 +703,7 @@ class VFILE_API VFile {
   // Replace.cpp
   bool Admit(bool argumentsValid);
   bool Clamp(std::int32_t& position, std::int32_t& del, std::int32_t count);
+  bool Prepare(std::int32_t position, std::int32_t del, std::int32_t count);
   bool Allow(std::int32_t position, std::int32_t del, std::int32_t ins);
   bool SpaceHolds(std::int32_t position, std::int32_t del, std::int32_t count, bool ownBlocks);
   template <typename Source>

@@ -12,8 +12,12 @@
 #include "host/Host.h"
 #include "hsys/Require.h"
 #include "vmem/PageLayout.h"
+#include "vmem/Prefetch.h"
 
 namespace {
+
+/// Pages of a cache that is too large for the processor's inner caches.
+constexpr std::int32_t kLargeCache = 1024;
 
 bool Require(const TChar* proc, bool holds, const TChar* message) {
   return hsys::Require(TSTR("VMem"), proc, holds, message);
@@ -85,7 +89,18 @@ CacheDesc* VMem::LoadPage(std::int32_t addr, bool read) {
   LinkHead(p);
   unlinked.p = nullptr;
   hashTable[vmem::HashIndex(addr, kHashSize)] = p;
+  if (cacheCount >= kLargeCache) PrefetchVictim();
   return p;
+}
+
+/// Brings what the next miss of a full cache touches nearer: in a large one it has not been looked at for long.
+void VMem::PrefetchVictim() const {
+  const std::int32_t index = vmem::HashIndex(cacheTail->addr, kHashSize);
+  vmem::Prefetch(&hashTable[index]);
+  vmem::Prefetch(&residueHead[index]);
+  vmem::Prefetch(&cacheTail->prev);
+  constexpr std::int32_t kLine = 64;
+  for (std::int32_t i = 0; i < kPageSize; i += kLine) vmem::Prefetch(cacheTail->data + i);
 }
 
 /// A descriptor that is in no list: the spare one for an empty cache, the victim of a full one, else a new one.

@@ -254,6 +254,7 @@ class VFILE_API VMem {
   CacheDesc* CachedPage(std::int32_t addr) const;
   CacheDesc* UseCached(CacheDesc* p);
   CacheDesc* LoadPage(std::int32_t addr, bool read);
+  void PrefetchVictim() const;
   CacheDesc* TakeDescriptor();
   CacheDesc* Victim() const;
   bool FillPage(CacheDesc* p);
