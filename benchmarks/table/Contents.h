@@ -9,7 +9,7 @@ enum class ContentKind {
   kMarked,     ///< the same with the mark at a place in each `kMarkDistance` bytes
   kAsciiUtf8,  ///< the same as `kText` behind the mark of UTF-8
   kUnits,      ///< the same as UTF-16, low byte first, with its mark
-  kUtf8,       ///< with its mark; lines of 79 characters, every twelfth word of another script, on average
+  kUtf8,       ///< with its mark; lines of 80 bytes of UTF-8 and more, every twelfth word of another script
   kUtf16,      ///< the same, low byte first
   kUtf16Be,    ///< the same, high byte first
 };

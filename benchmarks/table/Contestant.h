@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,39 +15,29 @@ struct Setting {
   std::int16_t cache = 70;  ///< bound of the library's cache in kilobytes
 };
 
-class Contestant {
- public:
-  /// As files of the library may throw there, where a halt does.
-  virtual ~Contestant() noexcept(false) = default;
-  /// Comes before each round and is not measured.
-  virtual void Prepare() {}
-  /// A round.
-  virtual void Run() = 0;
+/// Its three functions share what it works on, which goes with them.
+struct Contestant {
+  std::function<void()> run;  ///< a round
   /// Looks at what the last round has left, and throws if that is wrong. Those with the same work give the same sum of their
   /// content, or 0 for none.
-  virtual std::uint64_t Check() { return 0; }
+  std::function<std::uint64_t()> check = [] { return 0; };
+  std::function<void()> prepare = [] {};  ///< comes before each round and is not measured
 };
 
 struct ContestantEntry {
   const char* name;
-  std::unique_ptr<Contestant> (*make)(const Setting& setting);
+  Contestant (*make)(const Setting& setting);
 };
-
-/// Makes one whose constructor takes these arguments behind the setting.
-template <typename Kind, auto... kArguments>
-std::unique_ptr<Contestant> Make(const Setting& setting) {
-  return std::make_unique<Kind>(setting, kArguments...);
-}
 
 /// Whether this build has a contestant of that name.
 bool Exists(const std::string& name);
-std::unique_ptr<Contestant> MakeContestant(const std::string& name, const Setting& setting);
+Contestant MakeContestant(const std::string& name, const Setting& setting);
 
 // Those of each file.
 std::vector<ContestantEntry> EditContestants();
 std::vector<ContestantEntry> TransferContestants();
+std::vector<ContestantEntry> LoopContestants();
 std::vector<ContestantEntry> ScanContestants();
 std::vector<ContestantEntry> PageContestants();
-std::vector<ContestantEntry> TextContestants();
 std::vector<ContestantEntry> SqliteContestants();
 std::vector<ContestantEntry> LmdbContestants();

@@ -3,15 +3,15 @@
 
 namespace {
 
-const ContestantEntry* Find(const std::string& name) {
+const std::vector<ContestantEntry>& All() {
   static const std::vector<ContestantEntry> all = [] {
     std::vector<ContestantEntry> entries;
-    for (const auto& some : {
+    for (const auto& part : {
              EditContestants(),
              TransferContestants(),
+             LoopContestants(),
              ScanContestants(),
              PageContestants(),
-             TextContestants(),
 #ifdef TABLE_HAS_SQLITE
              SqliteContestants(),
 #endif
@@ -19,22 +19,22 @@ const ContestantEntry* Find(const std::string& name) {
              LmdbContestants(),
 #endif
          }) {
-      entries.insert(entries.end(), some.begin(), some.end());
+      entries.insert(entries.end(), part.begin(), part.end());
     }
     return entries;
   }();
-  for (const ContestantEntry& entry : all) {
-    if (name == entry.name) return &entry;
-  }
-  return nullptr;
+  return all;
+}
+
+auto Find(const std::string& name) {
+  return std::find_if(All().begin(), All().end(), [&](const ContestantEntry& entry) { return entry.name == name; });
 }
 
 }  // namespace
 
-bool Exists(const std::string& name) { return Find(name) != nullptr; }
+bool Exists(const std::string& name) { return Find(name) != All().end(); }
 
-std::unique_ptr<Contestant> MakeContestant(const std::string& name, const Setting& setting) {
-  const ContestantEntry* entry = Find(name);
-  Expect(entry != nullptr, name + ": no such contestant");
-  return entry->make(setting);
+Contestant MakeContestant(const std::string& name, const Setting& setting) {
+  Expect(Exists(name), name + ": no such contestant");
+  return Find(name)->make(setting);
 }

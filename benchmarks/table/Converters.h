@@ -9,6 +9,8 @@
 
 /// Bytes that nobody has cleared before they are written.
 struct Converted {
+  std::string_view View() const { return {bytes.get(), count}; }
+
   std::unique_ptr<char[]> bytes;
   std::size_t count;
 };

@@ -1,14 +1,12 @@
 // Things that bytes go into and out of: the library's file, three ways to hold a text in memory, and two that do only the part
-// of an edit that nobody can avoid. Each is made from a setting, loads its content, and gives the sum of it.
+// of an edit that nobody can avoid. Each is made from a setting, with the content, and gives the sum of what it holds.
 #pragma once
 
-#include <cstdint>
 #include <cstring>
 #include <ext/rope>
 #include <string>
-#include <vector>
+#include <string_view>
 
-#include "Contestant.h"
 #include "HostFile.h"
 #include "Measuring.h"
 #include "Ours.h"
@@ -16,23 +14,22 @@
 /// The library's.
 class VirtualFile {
  public:
-  explicit VirtualFile(const Setting& setting) {
-    UseSettings(setting);
-    LoadContent(file_, setting);
-  }
-  void Insert(std::int32_t at, const char* bytes, std::int32_t count) {
-    file_.SetPos(at);
-    if (count == 1) {
-      file_.InsertByte(static_cast<unsigned char>(*bytes));
+  explicit VirtualFile(const Setting& setting) : file_(Loaded<VFile>(setting)) {}
+  void Insert(std::size_t at, std::string_view bytes) {
+    file_->SetPos(static_cast<std::int32_t>(at));
+    if (bytes.size() == 1) {
+      file_->InsertByte(static_cast<unsigned char>(bytes[0]));
     } else {
-      file_.InsertBytes(bytes, count);
+      file_->InsertBytes(bytes.data(), static_cast<std::int32_t>(bytes.size()));
     }
   }
-  void Delete(std::int32_t at, std::int32_t count) { file_.Delete(at, count); }
-  std::uint64_t Sum() { return SumOf(file_); }
+  void Delete(std::size_t at, std::size_t count) {
+    file_->Delete(static_cast<std::int32_t>(at), static_cast<std::int32_t>(count));
+  }
+  std::uint64_t Sum() { return SumOf(*file_); }
 
  private:
-  VFile file_;
+  std::shared_ptr<VFile> file_;
 };
 
 class Rope {
@@ -41,21 +38,15 @@ class Rope {
     const std::string content = Content(setting.content);
     rope_ = __gnu_cxx::crope(content.data(), content.size());
   }
-  void Insert(std::int32_t at, const char* bytes, std::int32_t count) {
-    rope_.insert(static_cast<std::size_t>(at), bytes, static_cast<std::size_t>(count));
-  }
-  void Delete(std::int32_t at, std::int32_t count) {
-    rope_.erase(static_cast<std::size_t>(at), static_cast<std::size_t>(count));
-  }
+  void Insert(std::size_t at, std::string_view bytes) { rope_.insert(at, bytes.data(), bytes.size()); }
+  void Delete(std::size_t at, std::size_t count) { rope_.erase(at, count); }
   std::uint64_t Sum() const {
-    Checksum sum;
-    std::vector<char> piece(1 << 16);
-    for (std::size_t at = 0; at < rope_.size(); at += piece.size()) {
-      const std::size_t count = std::min(piece.size(), rope_.size() - at);
-      rope_.copy(at, count, piece.data());
-      sum.Add(piece.data(), count);
-    }
-    return sum.Value();
+    std::size_t at = 0;
+    return SumOfReads([&](char* piece) {
+      const std::size_t count = rope_.copy(at, 1 << 16, piece);
+      at += count;
+      return static_cast<std::int32_t>(count);
+    });
   }
 
  private:
@@ -65,17 +56,9 @@ class Rope {
 class String {
  public:
   explicit String(const Setting& setting) : text_(Content(setting.content)) {}
-  void Insert(std::int32_t at, const char* bytes, std::int32_t count) {
-    text_.insert(static_cast<std::size_t>(at), bytes, static_cast<std::size_t>(count));
-  }
-  void Delete(std::int32_t at, std::int32_t count) {
-    text_.erase(static_cast<std::size_t>(at), static_cast<std::size_t>(count));
-  }
-  std::uint64_t Sum() const {
-    Checksum sum;
-    sum.Add(text_.data(), text_.size());
-    return sum.Value();
-  }
+  void Insert(std::size_t at, std::string_view bytes) { text_.insert(at, bytes); }
+  void Delete(std::size_t at, std::size_t count) { text_.erase(at, count); }
+  std::uint64_t Sum() const { return SumOf(text_); }
 
  private:
   std::string text_;
@@ -85,22 +68,19 @@ class String {
 class GapBuffer {
  public:
   explicit GapBuffer(const Setting& setting) : bytes_(Content(setting.content)), gap_(bytes_.size()), end_(gap_) {}
-  void Insert(std::int32_t at, const char* bytes, std::int32_t count) {
-    const auto size = static_cast<std::size_t>(count);
-    if (end_ - gap_ < size) Grow(size);
-    MoveTo(static_cast<std::size_t>(at));
-    std::memcpy(&bytes_[gap_], bytes, size);
-    gap_ += size;
+  void Insert(std::size_t at, std::string_view bytes) {
+    if (end_ - gap_ < bytes.size()) Grow(bytes_.size() / 2 + bytes.size());
+    MoveTo(at);
+    std::memcpy(&bytes_[gap_], bytes.data(), bytes.size());
+    gap_ += bytes.size();
   }
-  void Delete(std::int32_t at, std::int32_t count) {
-    MoveTo(static_cast<std::size_t>(at));
-    end_ += static_cast<std::size_t>(count);
+  void Delete(std::size_t at, std::size_t count) {
+    MoveTo(at);
+    end_ += count;
   }
   std::uint64_t Sum() {
     MoveTo(bytes_.size() - (end_ - gap_));
-    Checksum sum;
-    sum.Add(bytes_.data(), gap_);
-    return sum.Value();
+    return SumOf(std::string_view(bytes_).substr(0, gap_));
   }
 
  private:
@@ -114,9 +94,8 @@ class GapBuffer {
     gap_ = at;
   }
   void Grow(std::size_t count) {
-    const std::size_t more = bytes_.size() / 2 + count;
-    bytes_.insert(end_, more, ' ');
-    end_ += more;
+    bytes_.insert(end_, count, ' ');
+    end_ += count;
   }
 
   std::string bytes_;  ///< text, gap, text
@@ -124,58 +103,51 @@ class GapBuffer {
   std::size_t end_;    ///< its end
 };
 
-/// The least that an edit of a file costs whose pages are not in memory: a page in, a move in it, and the page out.
-class PageEdits {
- public:
-  explicit PageEdits(const Setting& setting)
-      : file_(NamelessCopy(setting.directory, setting.content)), pages_(setting.size / kPage) {}
-  void Insert(std::int32_t at, const char* bytes, std::int32_t count) {
-    const auto size = static_cast<std::size_t>(count);
-    Edit(at, size, [&](char* place, std::size_t behind) {
-      std::memmove(place + size, place, behind);
-      std::memcpy(place, bytes, size);
-    });
-  }
-  void Delete(std::int32_t at, std::int32_t count) {
-    const auto size = static_cast<std::size_t>(count);
-    Edit(at, size, [&](char* place, std::size_t behind) { std::memmove(place, place + size, behind); });
-  }
-  static std::uint64_t Sum() { return 0; }
-
- private:
-  template <typename Move>
-  void Edit(std::int32_t at, std::size_t size, Move move) {
-    char bytes[kPage];
-    const std::int64_t page = at / kPage % pages_;
-    const std::size_t ix = std::min(static_cast<std::size_t>(at % kPage), sizeof bytes - size);
-    file_.ReadPage(page, bytes);
-    move(bytes + ix, sizeof bytes - ix - size);
-    file_.WritePage(page, bytes);
-  }
-
-  HostFile file_;
-  std::int64_t pages_;
-};
-
-/// The least that an edit of a block in memory costs: the move.
+/// A block in memory and the moves of edits in it: the least that they cost.
 class OneBlock {
  public:
   explicit OneBlock(const Setting&) {}
-  void Insert(std::int32_t at, const char* bytes, std::int32_t count) {
-    const auto ix = static_cast<std::size_t>(at % kPage);
-    const std::size_t size = std::min(static_cast<std::size_t>(count), sizeof bytes_ - ix);
-    std::memmove(bytes_ + ix + size, bytes_ + ix, sizeof bytes_ - ix - size);
-    std::memcpy(bytes_ + ix, bytes, size);
+  void Insert(std::size_t at, std::string_view bytes) {
+    const std::size_t ix = Place(at, bytes.size());
+    std::memmove(bytes_ + ix + bytes.size(), bytes_ + ix, kPage - ix - bytes.size());
+    std::memcpy(bytes_ + ix, bytes.data(), bytes.size());
     Keep(bytes_);
   }
-  void Delete(std::int32_t at, std::int32_t count) {
-    const auto ix = static_cast<std::size_t>(at % kPage);
-    const std::size_t size = std::min(static_cast<std::size_t>(count), sizeof bytes_ - ix);
-    std::memmove(bytes_ + ix, bytes_ + ix + size, sizeof bytes_ - ix - size);
+  void Delete(std::size_t at, std::size_t count) {
+    const std::size_t ix = Place(at, count);
+    std::memmove(bytes_ + ix, bytes_ + ix + count, kPage - ix - count);
     Keep(bytes_);
+  }
+  static std::uint64_t Sum() { return 0; }
+  char* Bytes() { return bytes_; }
+
+ private:
+  static std::size_t Place(std::size_t at, std::size_t size) { return std::min(at % kPage, kPage - size); }
+
+  char bytes_[kPage] = {};
+};
+
+/// The same where the pages are not in memory: a page comes in and goes out for each edit.
+class PageEdits {
+ public:
+  explicit PageEdits(const Setting& setting)
+      : file_(NamelessCopy(setting.directory, setting.content)), pages_(PagesIn(setting.size)), block_(setting) {}
+  void Insert(std::size_t at, std::string_view bytes) {
+    file_.ReadPage(PageOf(at), block_.Bytes());
+    block_.Insert(at, bytes);
+    file_.WritePage(PageOf(at), block_.Bytes());
+  }
+  void Delete(std::size_t at, std::size_t count) {
+    file_.ReadPage(PageOf(at), block_.Bytes());
+    block_.Delete(at, count);
+    file_.WritePage(PageOf(at), block_.Bytes());
   }
   static std::uint64_t Sum() { return 0; }
 
  private:
-  char bytes_[kPage] = {};
+  std::int64_t PageOf(std::size_t at) const { return static_cast<std::int64_t>(at / kPage) % pages_; }
+
+  HostFile file_;
+  std::int64_t pages_;
+  OneBlock block_;
 };

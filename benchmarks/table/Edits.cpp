@@ -1,7 +1,9 @@
 // Edits of three kinds, by all that can be edited.
 
 #include <memory>
+#include <optional>
 #include <random>
+#include <vector>
 
 #include "Editors.h"
 
@@ -17,6 +19,7 @@ using Script = std::vector<Edit>;
 /// Inserts and deletes of 16 bytes in turn, each at a place of its own.
 Script AtRandom(std::int64_t size, std::int32_t count) {
   Script script;
+  script.reserve(static_cast<std::size_t>(count));
   std::mt19937 random(1);
   const auto places = static_cast<std::uint32_t>(size - 16);
   for (std::int32_t i = 0; i < count; ++i) {
@@ -65,93 +68,73 @@ Script AsTyped(std::int64_t size, std::int32_t count) {
 
 template <typename Editor>
 void Apply(const Script& script, Editor& editor) {
-  static constexpr char kNew[] = "the quick brown fox jumps over the lazy dog, 0123456789";
+  static constexpr std::string_view kNew = "the quick brown fox jumps over the lazy dog, 0123456789";
   std::size_t i = 0;
   for (const Edit& edit : script) {
+    const auto at = static_cast<std::size_t>(edit.at);
     if (edit.ins > 0) {
-      editor.Insert(edit.at, kNew + i++ % 32, edit.ins);
+      editor.Insert(at, kNew.substr(i++ % 32, static_cast<std::size_t>(edit.ins)));
     } else {
-      editor.Delete(edit.at, edit.del);
+      editor.Delete(at, static_cast<std::size_t>(edit.del));
     }
   }
 }
 
-/// Each round begins with the content as it was.
-template <typename Editor, Script (*kMake)(std::int64_t, std::int32_t)>
-class Edits : public Contestant {
- public:
-  explicit Edits(const Setting& setting) : setting_(setting), script_(kMake(setting.size, setting.count)) {}
-  void Prepare() override {
-    editor_.reset();
-    editor_ = std::make_unique<Editor>(setting_);
-  }
-  void Run() override { Apply(script_, *editor_); }
-  std::uint64_t Check() override { return editor_->Sum(); }
+using MakeScript = Script(std::int64_t size, std::int32_t count);
 
- private:
-  const Setting setting_;
-  const Script script_;
-  std::unique_ptr<Editor> editor_;
-};
+/// Each round begins with the content as it was. With `kWithLoad` to load that is part of the round.
+template <typename Editor, MakeScript* kScript, bool kWithLoad = false>
+Contestant Edits(const Setting& setting) {
+  auto editor = std::make_shared<std::optional<Editor>>();
+  const auto load = [=] {
+    editor->reset();
+    editor->emplace(setting);
+  };
+  const auto run = [=, script = kScript(setting.size, setting.count)] {
+    if (kWithLoad) load();
+    Apply(script, **editor);
+  };
+  return {run, [=] { return (*editor)->Sum(); }, kWithLoad ? [] {} : std::function<void()>(load)};
+}
 
 /// The library's file behind a million edits. Rounds go on where the one before ended.
-class Fragmented : public Contestant {
- public:
-  explicit Fragmented(const Setting& setting)
-      : setting_(setting),
-        before_(AtRandom(setting.size - kPage, 1000000)),
-        script_(AtRandom(setting.size, setting.count)),
-        file_(setting) {
-    Apply(before_, file_);
-  }
-  void Run() override {
-    Apply(script_, file_);
-    ++rounds_;
-  }
-  std::uint64_t Check() override {
-    Rope rope(setting_);
-    Apply(before_, rope);
-    for (int i = 0; i < rounds_; ++i) Apply(script_, rope);
-    Expect(file_.Sum() == rope.Sum(), "the content behind many edits");
+Contestant Fragmented(const Setting& setting) {
+  const auto file = std::make_shared<VirtualFile>(setting);
+  const auto rounds = std::make_shared<int>(0);
+  const Script before = AtRandom(setting.size - std::int64_t{kPage}, 1000000);
+  const Script script = AtRandom(setting.size, setting.count);
+  Apply(before, *file);
+  const auto run = [=] {
+    Apply(script, *file);
+    ++*rounds;
+  };
+  const auto check = [=] {
+    Rope rope(setting);
+    Apply(before, rope);
+    for (int i = 0; i < *rounds; ++i) Apply(script, rope);
+    Expect(file->Sum() == rope.Sum(), "the content behind many edits");
     return 0;
-  }
-
- private:
-  const Setting setting_;
-  const Script before_;
-  const Script script_;
-  VirtualFile file_;
-  int rounds_ = 0;
-};
-
-/// A load and edits at random, as one round.
-class LoadAndEdit : public Edits<VirtualFile, AtRandom> {
- public:
-  using Edits::Edits;
-  void Prepare() override {}
-  void Run() override {
-    Edits::Prepare();
-    Edits::Run();
-  }
-};
+  };
+  return {run, check};
+}
 
 }  // namespace
 
 std::vector<ContestantEntry> EditContestants() {
   return {
-      {"random/vfile", Make<Edits<VirtualFile, AtRandom>>},
-      {"random/pages", Make<Edits<PageEdits, AtRandom>>},
-      {"random/rope", Make<Edits<Rope, AtRandom>>},
-      {"random/gap", Make<Edits<GapBuffer, AtRandom>>},
-      {"random/string", Make<Edits<String, AtRandom>>},
-      {"random/fragmented", Make<Fragmented>},
-      {"random/load", Make<LoadAndEdit>},
-      {"cursor/vfile", Make<Edits<VirtualFile, AtCursor>>},
-      {"cursor/block", Make<Edits<OneBlock, AtCursor>>},
-      {"cursor/gap", Make<Edits<GapBuffer, AtCursor>>},
-      {"typing/vfile", Make<Edits<VirtualFile, AsTyped>>},
-      {"typing/rope", Make<Edits<Rope, AsTyped>>},
-      {"typing/gap", Make<Edits<GapBuffer, AsTyped>>},
-      {"typing/string", Make<Edits<String, AsTyped>>},
+      {"random/vfile", Edits<VirtualFile, AtRandom>},
+      {"random/pages", Edits<PageEdits, AtRandom>},
+      {"random/rope", Edits<Rope, AtRandom>},
+      {"random/gap buffer", Edits<GapBuffer, AtRandom>},
+      {"random/string", Edits<String, AtRandom>},
+      {"random/fragmented", Fragmented},
+      {"random/load", Edits<VirtualFile, AtRandom, true>},
+      {"cursor/vfile", Edits<VirtualFile, AtCursor>},
+      {"cursor/memmove", Edits<OneBlock, AtCursor>},
+      {"cursor/gap buffer", Edits<GapBuffer, AtCursor>},
+      {"typing/vfile", Edits<VirtualFile, AsTyped>},
+      {"typing/rope", Edits<Rope, AsTyped>},
+      {"typing/gap buffer", Edits<GapBuffer, AsTyped>},
+      {"typing/string", Edits<String, AsTyped>},
   };
 }

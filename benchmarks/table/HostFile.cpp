@@ -75,7 +75,7 @@ void HostFile::ReadAt(std::int64_t place, char* bytes, std::size_t count) const 
 }
 
 void HostFile::WritePage(std::int64_t page, const char* bytes) {
-  Expect(pwrite(descriptor_, bytes, kPage, page * kPage) == kPage, "write");
+  Expect(pwrite(descriptor_, bytes, kPage, page * std::int64_t{kPage}) == std::int64_t{kPage}, "write");
 }
 
 Target::Target(const std::string& directory) : name_(directory + "/target-" + std::to_string(getpid())) {}
@@ -83,6 +83,12 @@ Target::Target(const std::string& directory) : name_(directory + "/target-" + st
 Target::~Target() { Remove(); }
 
 void Target::Remove() const { unlink(name_.c_str()); }
+
+void Settle(const std::string& directory) {
+  const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  Expect(descriptor >= 0 && syncfs(descriptor) == 0, directory + ": cannot be written through");
+  close(descriptor);
+}
 
 std::string Content(const std::string& name) {
   std::string content;
@@ -92,7 +98,7 @@ std::string Content(const std::string& name) {
   return content;
 }
 
-std::uint64_t SumOf(const std::string& name) { return SumOf(HostFile::Open(name)); }
+std::uint64_t SumOfFile(const std::string& name) { return SumOf(HostFile::Open(name)); }
 
 std::uint64_t SumOf(const HostFile& file) {
   Checksum sum;

@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <string>
 
-constexpr std::int64_t kPage = 1024;
+constexpr std::size_t kPage = 1024;
+constexpr std::int64_t PagesIn(std::int64_t size) { return size / std::int64_t{kPage}; }
 
 /// An open file, closed at its end. A call that fails throws.
 class HostFile {
@@ -23,7 +24,7 @@ class HostFile {
   std::size_t Read(char* bytes, std::size_t count);
   void Write(const char* bytes, std::size_t count);
   void ReadAt(std::int64_t place, char* bytes, std::size_t count) const;
-  void ReadPage(std::int64_t page, char* bytes) const { ReadAt(page * kPage, bytes, kPage); }
+  void ReadPage(std::int64_t page, char* bytes) const { ReadAt(page * std::int64_t{kPage}, bytes, kPage); }
   void WritePage(std::int64_t page, const char* bytes);
 
  private:
@@ -45,9 +46,12 @@ class Target {
   const std::string name_;
 };
 
+/// Has the system write what it has for the disk of that directory, so that it does not do so in the middle of a round.
+void Settle(const std::string& directory);
+
 /// The bytes of a file.
 std::string Content(const std::string& name);
-std::uint64_t SumOf(const std::string& name);
+std::uint64_t SumOfFile(const std::string& name);
 std::uint64_t SumOf(const HostFile& file);
 /// A nameless file with the bytes of another.
 HostFile NamelessCopy(const std::string& directory, const std::string& name);

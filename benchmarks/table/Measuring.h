@@ -9,6 +9,7 @@
 #include <ctime>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// Seconds since some point in the past.
@@ -31,8 +32,8 @@ inline double Median(std::vector<double> values) {
 }
 
 /// A wrong result ends the measurement.
-inline void Expect(bool right, const std::string& what) {
-  if (!right) throw std::runtime_error(what);
+inline void Expect(bool right, std::string_view what) {
+  if (!right) throw std::runtime_error(std::string(what));
 }
 
 /// Keeps the compiler from leaving out what fills the bytes at `data`.
@@ -64,3 +65,9 @@ class Checksum {
   }
   std::uint64_t value_ = 1;
 };
+
+inline std::uint64_t SumOf(std::string_view bytes) {
+  Checksum sum;
+  sum.Add(bytes.data(), bytes.size());
+  return sum.Value();
+}

@@ -1,12 +1,14 @@
 // What the contestants that use the library have in common.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "Contestant.h"
 #include "HostFile.h"
 #include "Measuring.h"
+#include "tcharvfile/TCharVFile.h"
 #include "vfile/VFile.h"
 
 inline TString Units(const std::string& name) { return {name.begin(), name.end()}; }
@@ -22,22 +24,35 @@ inline void LoadContent(VFile& file, const Setting& setting) {
   Expect(file.res == resDone && file.Length() == setting.size, "load");
 }
 
-inline std::uint64_t SumOf(VFile& file) {
+inline void LoadContent(TCharVFile& text, const Setting& setting) {
+  text.LoadText(Units(setting.content), FILE_SHARE_READ);
+  Expect(text.res == resDone && text.TCharLength() > 0, "load of a text");
+}
+
+/// A file or text with the content.
+template <typename File>
+std::shared_ptr<File> Loaded(const Setting& setting) {
+  UseSettings(setting);
+  auto file = std::make_shared<File>();
+  LoadContent(*file, setting);
+  return file;
+}
+
+/// Sum of what `read` brings into the buffer of 64 KiB that it is given, until that is 0 bytes.
+template <typename Read>
+std::uint64_t SumOfReads(Read read) {
   Checksum sum;
   std::vector<char> piece(1 << 16);
-  file.SetPos(0);
-  while (const std::int32_t count = file.ReadBytes(piece.data(), static_cast<std::int32_t>(piece.size()))) {
-    sum.Add(piece.data(), static_cast<std::size_t>(count));
-  }
+  while (const std::int32_t count = read(piece.data())) sum.Add(piece.data(), static_cast<std::size_t>(count));
   return sum.Value();
 }
 
-/// A contestant with a file of the library.
-class OnFile : public Contestant {
- protected:
-  explicit OnFile(const Setting& setting) : setting_(setting) { UseSettings(setting); }
-  void Load() { LoadContent(file_, setting_); }
+inline std::uint64_t SumOf(VFile& file) {
+  file.SetPos(0);
+  return SumOfReads([&](char* piece) { return file.ReadBytes(piece, 1 << 16); });
+}
 
-  const Setting setting_;
-  VFile file_;
-};
+inline std::uint64_t SumOf(TCharVFile& text) {
+  text.SetTCharPos(0);
+  return SumOfReads([&](char* piece) { return 2 * text.ReadTChars(reinterpret_cast<TChar*>(piece), 1 << 15); });
+}

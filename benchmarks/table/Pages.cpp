@@ -1,7 +1,6 @@
 // Reads at random and accesses to a page that is cached, by the library and by the system; the life of a file.
 
 #include <memory>
-#include <random>
 
 #include "Ours.h"
 #include "Reads.h"
@@ -9,142 +8,113 @@
 
 namespace {
 
-/// Reads of pages of a space with the content.
-class PagesOfSpace : public RandomReads {
- public:
-  explicit PagesOfSpace(const Setting& setting) : RandomReads(setting, kPage, kPage) {
-    space_.SetMaxCacheSize(setting.cache);
-    space_.SetTempDir(Units(setting.directory).c_str());
-    const HostFile file = HostFile::Open(setting.content);
+constexpr std::int32_t kPageSize = kPage;
+
+/// A space of pages.
+std::shared_ptr<VMem> Space(std::int64_t pages) {
+  auto space = std::make_shared<VMem>();
+  for (std::int64_t i = 0; i < pages; ++i) {
+    std::int32_t addr = -1;
+    space->AllocPage(addr);
+    Expect(addr == i * kPageSize, "address of a page");
+  }
+  return space;
+}
+
+/// Pages of a space with the content.
+Contestant PagesOfSpace(const Setting& setting) {
+  const std::int64_t pages = PagesIn(setting.size);
+  const auto space = Space(pages);
+  space->SetMaxCacheSize(setting.cache);
+  space->SetTempDir(Units(setting.directory).c_str());
+  const HostFile file = HostFile::Open(setting.content);
+  for (std::int64_t page = 0; page < pages; ++page) {
     char bytes[kPage];
-    for (std::int64_t page = 0; page < setting.size / kPage; ++page) {
-      std::int32_t addr = -1;
-      space_.AllocPage(addr);
-      Expect(addr == page * kPage, "address of a page");
-      file.ReadPage(page, bytes);
-      space_.Set(addr, bytes, kPage);
-    }
-    space_.FlushCache();
+    file.ReadPage(page, bytes);
+    space->Set(static_cast<std::int32_t>(page * kPageSize), bytes, kPageSize);
   }
-  void Run() override {
-    ReadAll([&](std::int32_t place, char* bytes) { space_.Get(place, bytes, kPage); });
-  }
+  space->FlushCache();
+  const auto read = [=](std::int32_t place, char* bytes) { space->Get(place, bytes, kPageSize); };
+  return RandomReads(setting, kPageSize, kPage, read);
+}
 
- private:
-  VMem space_;
-};
-
-class PagesOfFile : public RandomReads {
- public:
-  explicit PagesOfFile(const Setting& setting)
-      : RandomReads(setting, kPage, kPage), file_(NamelessCopy(setting.directory, setting.content)) {}
-  void Run() override {
-    ReadAll([&](std::int32_t place, char* bytes) { file_.ReadAt(place, bytes, kPage); });
-  }
-
- private:
-  const HostFile file_;
-};
+Contestant PagesOfFile(const Setting& setting) {
+  const auto file = std::make_shared<HostFile>(NamelessCopy(setting.directory, setting.content));
+  const auto read = [=](std::int32_t place, char* bytes) { file->ReadAt(place, bytes, kPage); };
+  return RandomReads(setting, kPageSize, kPage, read);
+}
 
 /// A move and a read of 100 bytes.
-class Seeks : public RandomReads {
- public:
-  explicit Seeks(const Setting& setting) : RandomReads(setting, 1, 100) {
-    UseSettings(setting);
-    file_ = std::make_unique<VFile>();
-    LoadContent(*file_, setting);
-  }
-  void Run() override {
-    ReadAll([&](std::int32_t place, char* bytes) {
-      file_->SetPos(place);
-      file_->ReadBytes(bytes, 100);
-    });
-  }
+Contestant Seeks(const Setting& setting) {
+  const auto file = Loaded<VFile>(setting);
+  const auto read = [=](std::int32_t place, char* bytes) {
+    file->SetPos(place);
+    file->ReadBytes(bytes, 100);
+  };
+  return RandomReads(setting, 1, 100, read);
+}
 
- private:
-  std::unique_ptr<VFile> file_;
-};
-
-/// Accesses to four bytes in each of 64 cached pages in turn.
 enum class Access { kGet, kSet, kCheck };
 
+/// Accesses to four bytes in each of 64 cached pages in turn.
 template <Access kAccess>
-class CachedPages : public Contestant {
- public:
-  explicit CachedPages(const Setting& setting) : count_(setting.count) {
-    for (int i = 0; i < kSpace / kPage; ++i) {
-      std::int32_t addr = -1;
-      space_.AllocPage(addr);
-      space_.Set(addr, 1);
-    }
-  }
-  void Run() override {
+Contestant CachedPages(const Setting& setting) {
+  constexpr std::int32_t kSize = 64 * kPageSize;
+  constexpr std::int32_t kStep = kPageSize + 4;
+  const auto pages = Space(64);
+  const auto run = [=] {
+    VMem& space = *pages;
     std::int32_t addr = 0;
-    for (std::int32_t i = 0; i < count_; ++i) {
+    std::int64_t sum = 0;
+    for (std::int32_t i = 0; i < setting.count; ++i) {
       int value = i;
-      if constexpr (kAccess == Access::kGet) space_.Get(addr, value);
-      if constexpr (kAccess == Access::kSet) space_.Set(addr, value);
-      if constexpr (kAccess == Access::kCheck) space_.Get(addr, &value, 0);
-      sum_ += static_cast<std::uint32_t>(value);
-      addr = (addr + kStep) & (kSpace - 1);
+      if constexpr (kAccess == Access::kGet) space.Get(addr, value);
+      if constexpr (kAccess == Access::kSet) space.Set(addr, value);
+      if constexpr (kAccess == Access::kCheck) space.Get(addr, &value, 0);
+      sum += value;
+      addr = (addr + kStep) & (kSize - 1);
     }
-    Keep(&sum_);
-  }
-  std::uint64_t Check() override {
-    space_.Set(kStep, 12345);
+    Keep(&sum);
+  };
+  const auto check = [=] {
+    pages->Set(kStep, 12345);
     int value = 0;
-    space_.Get(kStep, value);
+    pages->Get(kStep, value);
     Expect(value == 12345, "a value of the space");
     return 0;
-  }
-
- private:
-  static constexpr std::int32_t kSpace = 64 * kPage;
-  static constexpr std::int32_t kStep = kPage + 4;
-  const std::int32_t count_;
-  std::uint64_t sum_ = 0;
-  VMem space_;
-};
+  };
+  return {run, check};
+}
 
 /// A file that comes, takes 100 bytes, gives them back and goes.
 template <bool kBeside>
-class Life : public Contestant {
- public:
-  explicit Life(const Setting& setting) : count_(setting.count) {
-    UseSettings(setting);
-    if (kBeside) other_ = std::make_unique<VFile>();
-  }
-  void Run() override {
-    for (std::int32_t i = 0; i < count_; ++i) {
+Contestant Life(const Setting& setting) {
+  UseSettings(setting);
+  const auto run = [=, other = kBeside ? std::make_shared<VFile>() : nullptr] {
+    constexpr char kBytes[100] = "a hundred bytes";
+    char out[sizeof kBytes] = {};
+    for (std::int32_t i = 0; i < setting.count; ++i) {
       VFile file;
       file.InsertBytes(kBytes, sizeof kBytes);
       file.SetPos(0);
-      file.ReadBytes(out_, sizeof out_);
+      file.ReadBytes(out, sizeof out);
     }
-  }
-  std::uint64_t Check() override {
-    Expect(std::memcmp(out_, kBytes, sizeof out_) == 0, "bytes of a file");
-    return 0;
-  }
-
- private:
-  static constexpr char kBytes[100] = "a hundred bytes";
-  const std::int32_t count_;
-  char out_[sizeof kBytes] = {};
-  std::unique_ptr<VFile> other_;
-};
+    Expect(std::memcmp(out, kBytes, sizeof out) == 0, "bytes of a file");
+  };
+  return {run};
+}
 
 }  // namespace
 
 std::vector<ContestantEntry> PageContestants() {
   return {
-      {"page/vmem", Make<PagesOfSpace>},
-      {"page/file", Make<PagesOfFile>},
-      {"seek/vfile", Make<Seeks>},
-      {"hit/get", Make<CachedPages<Access::kGet>>},
-      {"hit/set", Make<CachedPages<Access::kSet>>},
-      {"hit/check", Make<CachedPages<Access::kCheck>>},
-      {"life/only", Make<Life<false>>},
-      {"life/beside", Make<Life<true>>},
+      {"page/vmem", PagesOfSpace},
+      {"page/pread", PagesOfFile},
+      {"seek/vfile", Seeks},
+      {"hit/get", CachedPages<Access::kGet>},
+      {"hit/set", CachedPages<Access::kSet>},
+      {"hit/check", CachedPages<Access::kCheck>},
+      {"life/only", Life<false>},
+      {"life/beside", Life<true>},
   };
 }

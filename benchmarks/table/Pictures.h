@@ -1,9 +1,10 @@
 // The pictures: measurements of their own over sizes and caches.
 #pragma once
 
-#include <functional>
+#include <cstdint>
 #include <string>
 
-/// Measures and writes edits.svg, seeks.svg and cache.svg into `target`.
-void DrawPictures(const std::string& target, const std::string& directory, bool quick,
-                  const std::function<void(const std::string&)>& progress);
+#include "Runner.h"
+
+/// Measures contents of up to `largest` bytes, and writes edits.svg, seeks.svg and cache.svg into `target`.
+void DrawPictures(const std::string& target, const std::string& directory, std::int64_t largest, const Effort& effort);

@@ -8,19 +8,14 @@
 #include "Rows.h"
 #include "Runner.h"
 
-/// The fastest of the limit's contestants that this build has, or null where the limit is a number.
-const Result* LimitOf(const Outcome& outcome);
-/// Ours in times of the limit or, of memory, in times of the goal.
-double RatioOf(const Row& row, const Outcome& outcome);
-bool Passes(const Row& row, const Outcome& outcome);
+using Table = std::vector<std::pair<Row, Outcome>>;
 
-/// A time as a person reads it.
-std::string TimeText(double seconds);
+/// A time as a person reads it, in the unit that fits `scale`, or the time itself.
+std::string TimeText(double seconds, double scale = 0);
 
 void PrintHeading();
 void PrintRow(const Row& row, const Outcome& outcome);
-void PrintClosing(const std::vector<std::pair<Row, Outcome>>& table);
+void PrintClosing(const Table& table);
 
-/// Writes the table, the machine, and the rows in which a peer is faster.
-void WriteMarkdown(const std::string& name, const std::vector<std::pair<Row, Outcome>>& table,
-                   const std::string& directory);
+/// Writes the machine, whose files are in the directory, the table, and the rows in which a peer is faster.
+void WriteMarkdown(const std::string& name, const Table& table, const std::string& directory);

@@ -9,28 +9,36 @@
 
 /// A contestant as it takes part in a row.
 struct Contender {
-  std::string name;         ///< see Contestant.h
-  std::string label;        ///< in the table
-  std::int16_t cache = 70;  ///< kilobytes
-  std::int32_t count = 0;   ///< operations in a round; 0 for those of the row
+  Contender(const char* contestant, std::int16_t kilobytes = 70, std::int32_t operations = 0)
+      : name(contestant), cache(kilobytes), count(operations) {}
+  /// The last step of its name.
+  std::string Label() const { return name.substr(name.rfind('/') + 1); }
+
+  std::string name;    ///< see Contestant.h
+  std::int16_t cache;  ///< in kilobytes
+  std::int32_t count;  ///< operations in a round; 0 for those of the row
 };
 
-enum class Measure { kTime, kMemory };
+/// What ours is held to.
+struct Goal {
+  double bound = 0;                     ///< in times of the limit, or in MB of memory
+  std::string limit = {};               ///< what the limit is; empty for one of memory
+  std::vector<Contender> holders = {};  ///< the fastest of them is the limit
+};
 
 struct Row {
+  std::string Text() const;                               ///< the work with its size
+  bool OfMemory() const { return goal.holders.empty(); }  ///< or of time
+
   std::string work;
-  double goal = 0;             ///< bound of ours, in times of the limit or, of memory, in MB
-  std::string limitName = {};  ///< what the limit is
+  std::int64_t size;  ///< of the content, in bytes; 0 for none
   Contender ours;
-  std::vector<Contender> limits = {};  ///< the fastest of them is the limit
-  std::vector<Contender> peers = {};   ///< for information
+  Goal goal;
+  std::vector<Contender> peers = {};  ///< for information
+  std::int32_t count = 1;             ///< operations in a round; a time is that of one
   ContentKind content = ContentKind::kText;
-  std::int64_t size = 0;   ///< of the content, in bytes
-  std::int32_t count = 1;  ///< operations in a round; a time is that of one
-  Measure measure = Measure::kTime;
 };
 
 constexpr std::int64_t kMiB = 1 << 20;
-constexpr std::int16_t kLargeCache = 32767;
 
-std::vector<Row> TableRows();
+const std::vector<Row>& TableRows();

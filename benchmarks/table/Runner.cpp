@@ -4,14 +4,19 @@
 #include <fcntl.h>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "Contestant.h"
+#include "HostFile.h"
 #include "Measuring.h"
 
 namespace {
+
+/// Less does not come to the disk while a row is measured.
+constexpr std::int64_t kWorthSettling = 512 * kMiB;
 
 /// A contestant's process. It answers each line with a line, and ends with its input.
 class Process {
@@ -84,12 +89,14 @@ std::string PeakMemory() {
   return "0";
 }
 
+/// Those with as many operations leave the same content.
 void CheckContents(const std::vector<Runner>& runners, const std::string& work) {
-  std::uint64_t known = 0;
+  std::map<std::int32_t, std::uint64_t> sums;
   for (const Runner& runner : runners) {
     const std::uint64_t sum = std::stoull(runner.process->Ask("check"));
-    if (known == 0) known = sum;
-    Expect(sum == 0 || sum == known, work + ": the contents of " + runner.result->label + " and others differ");
+    if (sum == 0) continue;
+    const auto known = sums.emplace(runner.count, sum).first;
+    Expect(sum == known->second, work + ": the content of " + runner.result->label + " is another");
   }
 }
 
@@ -97,12 +104,12 @@ void CheckContents(const std::vector<Runner>& runners, const std::string& work) 
 
 Outcome RunRow(const Row& row, const std::string& directory, const Effort& effort) {
   Outcome outcome;
-  outcome.limits.resize(row.limits.size());
+  outcome.holders.resize(row.goal.holders.size());
   outcome.peers.resize(row.peers.size());
-  const std::string content = ContentFile(directory, row.content, row.size);
+  const std::string content = row.size == 0 ? std::string() : ContentFile(directory, row.content, row.size);
   std::vector<Runner> runners;
   const auto start = [&](const Contender& contender, Result& result, bool peer) {
-    result.label = contender.label;
+    result.label = contender.Label();
     result.exists = Exists(contender.name);
     if (!result.exists) return;
     const std::int32_t count = contender.count != 0 ? contender.count : row.count;
@@ -111,9 +118,10 @@ Outcome RunRow(const Row& row, const std::string& directory, const Effort& effor
     runners.back().process->Ask("ready");
   };
   start(row.ours, outcome.ours, false);
-  for (std::size_t i = 0; i < row.limits.size(); ++i) start(row.limits[i], outcome.limits[i], false);
+  for (std::size_t i = 0; i < row.goal.holders.size(); ++i) start(row.goal.holders[i], outcome.holders[i], false);
   for (std::size_t i = 0; i < row.peers.size(); ++i) start(row.peers[i], outcome.peers[i], true);
 
+  if (row.size >= kWorthSettling) Settle(directory);
   const char* command = effort.processorTime ? "round of the processor" : "round";
   const double begin = Now();
   for (std::size_t& round = outcome.rounds; round < effort.mostRounds; ++round) {
@@ -127,7 +135,7 @@ Outcome RunRow(const Row& row, const std::string& directory, const Effort& effor
     runner.result->time = Median(runner.times);
     runner.result->peak = std::stod(runner.process->Ask("memory"));
   }
-  CheckContents(runners, row.work);
+  CheckContents(runners, row.Text());
   return outcome;
 }
 
@@ -135,18 +143,18 @@ int ServeContestant(const std::vector<std::string>& arguments) {
   Expect(arguments.size() == 6, "arguments of a contestant");
   const Setting setting = {arguments[1], arguments[2], std::stoll(arguments[3]), std::stoi(arguments[4]),
                            static_cast<std::int16_t>(std::stoi(arguments[5]))};
-  const std::unique_ptr<Contestant> contestant = MakeContestant(arguments[0], setting);
+  const Contestant contestant = MakeContestant(arguments[0], setting);
   for (std::string command; std::getline(std::cin, command);) {
     if (command.rfind("round", 0) == 0) {
       const auto now = command == "round" ? Now : ProcessorNow;
-      contestant->Prepare();
+      contestant.prepare();
       const double begin = now();
-      contestant->Run();
+      contestant.run();
       std::cout << std::to_string((now() - begin) * 1e9);
     } else if (command == "memory") {
       std::cout << PeakMemory();
     } else if (command == "check") {
-      std::cout << contestant->Check();
+      std::cout << contestant.check();
     }
     std::cout << std::endl;
   }

@@ -25,7 +25,7 @@ struct Result {
 
 struct Outcome {
   Result ours;
-  std::vector<Result> limits;
+  std::vector<Result> holders;  ///< of the limit
   std::vector<Result> peers;
   std::size_t rounds = 0;
 };

@@ -1,4 +1,4 @@
-// Files of bytes on their way in and out: the library, and the same bytes in the same calls of the system.
+// Files and texts on their way in and out of the library.
 
 #include <optional>
 
@@ -6,80 +6,65 @@
 
 namespace {
 
-class LoadByLibrary : public Contestant {
- public:
-  explicit LoadByLibrary(const Setting& setting) : setting_(setting) { UseSettings(setting); }
-  void Prepare() override {
-    file_.reset();
-    file_.emplace();
-  }
-  void Run() override { LoadContent(*file_, setting_); }
-  std::uint64_t Check() override { return SumOf(*file_); }
+using Form = TCharVFile::Encoding;
 
- private:
-  const Setting setting_;
-  std::optional<VFile> file_;
-};
+/// A new file or text with the content.
+template <typename File>
+Contestant Load(const Setting& setting) {
+  UseSettings(setting);
+  const auto file = std::make_shared<std::optional<File>>();
+  const auto prepare = [=] {
+    file->reset();
+    file->emplace();
+  };
+  return {[=] { LoadContent(**file, setting); }, [=] { return SumOf(**file); }, prepare};
+}
 
-/// As the bytes do not stay in memory, they go to a file like the swap file.
-class LoadByLoop : public Contestant {
- public:
-  explicit LoadByLoop(const Setting& setting) : setting_(setting), swap_(HostFile::Nameless(setting.directory)) {}
-  void Prepare() override { swap_ = HostFile::Nameless(setting_.directory); }
-  void Run() override {
-    HostFile source = HostFile::Open(setting_.content);
-    char piece[kPage];
-    while (const std::size_t count = source.Read(piece, sizeof piece)) swap_.Write(piece, count);
-  }
-  std::uint64_t Check() override { return SumOf(swap_); }
+template <typename File, void (*kSave)(File& file, const TString& name)>
+Contestant Save(const Setting& setting) {
+  const auto file = Loaded<File>(setting);
+  const auto target = std::make_shared<Target>(setting.directory);
+  const auto run = [=] {
+    kSave(*file, Units(target->Name()));
+    Expect(file->res == resDone, "save");
+  };
+  return {run, [=] { return SumOfFile(target->Name()); }, [=] { target->Remove(); }};
+}
 
- private:
-  const Setting setting_;
-  HostFile swap_;
-};
+void SaveBytes(VFile& file, const TString& name) { file.Save(name.c_str(), true); }
 
-class SaveByLibrary : public OnFile {
- public:
-  explicit SaveByLibrary(const Setting& setting) : OnFile(setting), target_(setting.directory) { Load(); }
-  void Prepare() override { target_.Remove(); }
-  void Run() override {
-    file_.Save(Units(target_.Name()).c_str(), false);
-    Expect(file_.res == resDone, "save");
-  }
-  std::uint64_t Check() override { return SumOf(target_.Name()); }
+template <Form kForm>
+void SaveAs(TCharVFile& text, const TString& name) {
+  text.SaveText(name, true, kForm, true);
+}
 
- private:
-  const Target target_;
-};
-
-class SaveByLoop : public Contestant {
- public:
-  explicit SaveByLoop(const Setting& setting)
-      : pages_(setting.size / kPage),
-        swap_(NamelessCopy(setting.directory, setting.content)),
-        target_(setting.directory) {}
-  void Prepare() override { target_.Remove(); }
-  void Run() override {
-    HostFile file = HostFile::Create(target_.Name());
-    char piece[kPage];
-    for (std::int64_t page = 0; page < pages_; ++page) {
-      swap_.ReadPage(page, piece);
-      file.Write(piece, sizeof piece);
+/// A load of UTF-8 and a save in every form, as one round.
+Contestant AllForms(const Setting& setting) {
+  const auto target = std::make_shared<Target>(setting.directory);
+  const auto run = [=] {
+    const auto text = Loaded<TCharVFile>(setting);
+    for (const Form form : {Form::encUtf16, Form::encUtf16BE, Form::encAnsi, Form::encUtf8}) {
+      text->SaveText(Units(target->Name()), true, form, true);
+      Expect(text->res == resDone, "save");
     }
-  }
-  std::uint64_t Check() override { return SumOf(target_.Name()); }
-
- private:
-  const std::int64_t pages_;
-  const HostFile swap_;
-  const Target target_;
-};
+  };
+  const auto check = [=] {
+    Expect(SumOfFile(target->Name()) == SumOfFile(setting.content), "the text that was saved");
+    return 0;
+  };
+  return {run, check};
+}
 
 }  // namespace
 
 std::vector<ContestantEntry> TransferContestants() {
-  return {{"load/vfile", Make<LoadByLibrary>},
-          {"load/loop", Make<LoadByLoop>},
-          {"save/vfile", Make<SaveByLibrary>},
-          {"save/loop", Make<SaveByLoop>}};
+  return {
+      {"load/bytes", Load<VFile>},
+      {"load/text", Load<TCharVFile>},
+      {"save/bytes", Save<VFile, SaveBytes>},
+      {"save/utf8", Save<TCharVFile, SaveAs<Form::encUtf8>>},
+      {"save/utf16", Save<TCharVFile, SaveAs<Form::encUtf16>>},
+      {"save/utf16be", Save<TCharVFile, SaveAs<Form::encUtf16BE>>},
+      {"load/all forms", AllForms},
+  };
 }

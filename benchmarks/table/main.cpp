@@ -20,9 +20,11 @@ namespace {
 
 constexpr char kUsage[] =
     "vfile_table [--quick] [--cpu] [--only TEXT] [--markdown FILE] [--pictures DIRECTORY]\n"
-    "Measures, and prints a table. --quick takes fewer rounds and leaves out contents of more than 128 MiB, --only "
-    "takes\n"
-    "the rows in whose work the text occurs. Files are made in the directory that TMPDIR names, else in /var/tmp.\n";
+    "Measures, and prints a table.\n"
+    "  --quick  takes fewer rounds and leaves out contents of more than 128 MiB\n"
+    "  --cpu    counts the time of the processor, for a machine that has other work\n"
+    "  --only   takes the rows in whose work the text occurs\n"
+    "Files are made in the directory that TMPDIR names, else in /var/tmp.\n";
 
 /// Larger contents are left out of a quick run.
 constexpr std::int64_t kQuickSize = 128 * kMiB;
@@ -72,23 +74,17 @@ class Scratch {
 };
 
 Effort EffortFor(const Row& row, const Options& options) {
-  if (row.measure == Measure::kMemory) return {1, 1, 0, 0, false};
+  if (row.OfMemory()) return {1, 1, 0, 0, false};
   if (options.quick) return {2, 5, 1, 0.7, options.processorTime};
   if (row.size > kQuickSize) return {3, 9, 1, 4, options.processorTime};
   return {5, 15, 3, 4, options.processorTime};
 }
 
 std::vector<Row> RowsFor(const Options& options) {
-  std::vector<Row> rows;
-  std::size_t large = 0;
-  for (const Row& row : TableRows()) {
-    if (row.work.find(options.only) == std::string::npos) continue;
-    if (options.quick && row.size > kQuickSize) {
-      ++large;
-    } else {
-      rows.push_back(row);
-    }
-  }
+  std::vector<Row> rows = TableRows();
+  std::erase_if(rows, [&](const Row& row) { return row.Text().find(options.only) == std::string::npos; });
+  const auto isLarge = [&](const Row& row) { return options.quick && row.size > kQuickSize; };
+  const std::size_t large = std::erase_if(rows, isLarge);
   if (large > 0) std::printf("%zu rows of more than 128 MiB are left out.\n", large);
   return rows;
 }
@@ -100,11 +96,11 @@ void ShowProgress(const std::string& text) {
 
 void MeasureAll(const Options& options) {
   const Scratch scratch;
-  std::vector<std::pair<Row, Outcome>> table;
+  Table table;
   const std::vector<Row> rows = RowsFor(options);
   PrintHeading();
   for (const Row& row : rows) {
-    ShowProgress("[" + std::to_string(table.size() + 1) + "/" + std::to_string(rows.size()) + "] " + row.work);
+    ShowProgress("[" + std::to_string(table.size() + 1) + "/" + std::to_string(rows.size()) + "] " + row.Text());
     const Outcome outcome = RunRow(row, scratch.Name(), EffortFor(row, options));
     ShowProgress("");
     table.emplace_back(row, outcome);
@@ -112,7 +108,11 @@ void MeasureAll(const Options& options) {
   }
   PrintClosing(table);
   if (!options.markdown.empty()) WriteMarkdown(options.markdown, table, scratch.Name());
-  if (!options.pictures.empty()) DrawPictures(options.pictures, scratch.Name(), options.quick, ShowProgress);
+  if (options.pictures.empty()) return;
+  ShowProgress("pictures");
+  const Effort effort = {3, 3, 3, 0, options.processorTime};
+  DrawPictures(options.pictures, scratch.Name(), options.quick ? 64 * kMiB : 1024 * kMiB, effort);
+  ShowProgress("");
 }
 
 }  // namespace
