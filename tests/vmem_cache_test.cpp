@@ -124,7 +124,7 @@ TEST_F(SwapFileTest, AFileWithoutPositionsHaltsAndLosesNothing) {
   {
     const NoteHalts notes;
     EXPECT_EQ(vm.Read(0, 4), "????");
-    vm.Mark({0});
+    vm.Write(1, "part of a page");
     EXPECT_EQ(notes.Noted(), std::vector<std::string>(2, halt));
   }
   dup2(kept, vm.Descriptor());

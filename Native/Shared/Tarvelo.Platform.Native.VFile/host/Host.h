@@ -290,14 +290,35 @@ void MessageBoxW(const TChar* text, const TChar* caption, std::uint32_t style);
 
 inline constexpr std::uint32_t CP_UTF8 = 65001;
 
-/// The active ANSI code page: `CP_UTF8`, or another number, for which the two conversions below stand. Here it is the character
-/// set of the environment's locale, fixed at the first call.
+/// The active ANSI code page: `CP_UTF8`, or another number, for which `CodePageConversion` stands. Here it is the character set of the
+/// environment's locale, fixed at the first call.
 std::uint32_t GetACP();
-/// Converts `length` bytes in the active ANSI code page, which is not `CP_UTF8`, to units; gives how many. With a `size` of 0 it
-/// only counts, else `size` is enough. A byte that has no character becomes U+FFFD.
-std::size_t MultiByteToWideChar(const char* bytes, std::size_t length, TChar* units, std::size_t size);
-/// The same from units to bytes. A character that has none, and an unpaired surrogate, becomes "?".
-std::size_t WideCharToMultiByte(const TChar* units, std::size_t length, char* bytes, std::size_t size);
+
+/// The conversion of one text from or to the active code page, which is not `CP_UTF8`, as its pieces come. Nothing fails on what
+/// the text holds.
+class CodePageConversion {
+ public:
+  /// `kToUnits`: bytes to units; a byte that has no character becomes U+FFFD. `kToBytes`: units to bytes; a character that has none,
+  /// and an unpaired surrogate, becomes "?".
+  enum Direction { kToUnits, kToBytes };
+
+  explicit CodePageConversion(Direction direction);
+  ~CodePageConversion();
+  CodePageConversion(const CodePageConversion&) = delete;
+  CodePageConversion& operator=(const CodePageConversion&) = delete;
+
+  /// Whether there is one; not if the heap is exhausted. No piece may come then.
+  bool IsOpen() const { return handle_ != nullptr; }
+
+  /// Converts `left` bytes of input at `in` to `out`, which has room for `room` bytes, at least 64, and moves all of them on. Both sides
+  /// are counted in bytes, units too. True if what is left, less than a character, has to wait for the next piece; that is nothing
+  /// where this piece is the `last`. False if the room is used up: call again with more.
+  bool Convert(const char*& in, std::size_t& left, char*& out, std::size_t& room, bool last);
+
+ private:
+  Direction direction_;
+  void* handle_;
+};
 
 // ---- Characters and numbers -----------------------------------------------------------------------------------------
 

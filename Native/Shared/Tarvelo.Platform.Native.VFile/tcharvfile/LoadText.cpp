@@ -1,11 +1,13 @@
+// Text files come in as raw bytes first; their conversion then goes into new blocks a piece at a time, so that no text is ever in
+// process memory.
+
+#include <algorithm>
 #include <cstring>
-#include <memory>
 
 #include "host/Host.h"
 #include "tcharvfile/Encodings.h"
-#include "tcharvfile/Room.h"
 #include "tcharvfile/TCharVFile.h"
-#include "tcharvfile/UnitCount.h"
+#include "vfile/ContentSource.h"
 
 const TCharVFile::Encoding TCharVFile::DefaultEncoding = encUtf16;
 
@@ -14,26 +16,116 @@ namespace {
 constexpr std::int32_t kUtf16Mark = 2;
 constexpr std::int32_t kUtf8Mark = 3;
 
-/// Units on the way into a text; null where the heap has no room for them.
-struct Converted {
-  explicit Converted(std::size_t size) : units(tcharvfile::Room<TChar>(size)), count(size) {}
+// ---- Conversions: each takes the bytes of a piece, but for what waits for the next one ----
 
-  std::unique_ptr<TChar[]> units;
-  std::size_t count;
+class FromUtf8 {
+ public:
+  bool IsOpen() const { return true; }
+
+  /// Converts `left` bytes at `in` to `out`, which has room for more units than that, and moves all on. True if what is left waits
+  /// for more bytes.
+  bool Convert(const char*& in, std::size_t& left, TChar*& out, std::size_t& /*room*/, bool last) {
+    const std::size_t whole = last ? left : left - tcharvfile::Utf8Rest(in, left);
+    out += tcharvfile::Utf8ToUnits(in, whole, out);
+    in += whole;
+    left -= whole;
+    return true;
+  }
 };
 
-Converted FromUtf8(const char* bytes, std::size_t length) {
-  Converted text(length);
-  if (text.units != nullptr) text.count = tcharvfile::Utf8ToUnits(bytes, length, text.units.get());
-  return text;
-}
+class FromCodePage {
+ public:
+  bool IsOpen() const { return conversion_.IsOpen(); }
 
-Converted FromAnsi(const char* bytes, std::size_t length) {
-  if (host::GetACP() == host::CP_UTF8) return FromUtf8(bytes, length);
-  Converted text(host::MultiByteToWideChar(bytes, length, nullptr, 0));
-  if (text.units != nullptr) host::MultiByteToWideChar(bytes, length, text.units.get(), text.count);
-  return text;
-}
+  /// The same, also false if there was no room for all.
+  bool Convert(const char*& in, std::size_t& left, TChar*& out, std::size_t& room, bool last) {
+    char* bytes = reinterpret_cast<char*>(out);
+    std::size_t size = room * sizeof(TChar);
+    const bool done = conversion_.Convert(in, left, bytes, size, last);
+    out = reinterpret_cast<TChar*>(bytes);
+    room = size / sizeof(TChar);
+    return done;
+  }
+
+ private:
+  host::CodePageConversion conversion_{host::CodePageConversion::kToUnits};
+};
+
+// ---- Content that a text gets ----
+
+/// UTF-16 with its high byte first, from the position on. A last odd byte is dropped.
+class SwappedContent final : public vfile::ContentSource {
+ public:
+  explicit SwappedContent(VFile& raw) : raw_(raw) {}
+
+  std::int32_t Next(unsigned char* bytes) override {
+    const std::int32_t units = raw_.ReadBytes(bytes, BlkSize) / 2;
+    if (raw_.res != resDone) return -1;
+    tcharvfile::SwapUnits(bytes, static_cast<std::size_t>(units));
+    return units * 2;
+  }
+
+ private:
+  VFile& raw_;
+};
+
+/// Bytes from the position on, up to the first 0 byte, by a conversion.
+template <typename Conversion>
+class ConvertedContent final : public vfile::ContentSource {
+ public:
+  ConvertedContent(VFile& raw, Conversion& conversion) : raw_(raw), conversion_(conversion) {}
+
+  std::int32_t Next(unsigned char* bytes) override {
+    constexpr std::ptrdiff_t kWanted = BlkSize / sizeof(TChar);
+    while (end_ - begin_ < kWanted && !done_) {
+      if (!Refill()) return -1;
+    }
+    const std::ptrdiff_t count = std::min(end_ - begin_, kWanted);
+    std::memcpy(bytes, begin_, static_cast<std::size_t>(count) * sizeof(TChar));
+    begin_ += count;
+    return static_cast<std::int32_t>(count) * 2;
+  }
+
+ private:
+  /// Reads on where all that was read has been converted, and converts.
+  bool Refill() {
+    end_ = std::copy(begin_, end_, units_);
+    begin_ = units_;
+    if (needsMore_ && !ended_ && !ReadPiece()) return false;
+    const char* in = bytes_;
+    std::size_t room = static_cast<std::size_t>(units_ + kRoom - end_);
+    needsMore_ = conversion_.Convert(in, size_, end_, room, ended_);
+    std::memmove(bytes_, in, size_);
+    done_ = ended_ && needsMore_;
+    return true;
+  }
+
+  bool ReadPiece() {
+    char* bytes = bytes_ + size_;
+    const std::int32_t got = raw_.ReadBytes(bytes, BlkSize);
+    if (raw_.res != resDone) return false;
+    const void* zero = std::memchr(bytes, 0, static_cast<std::size_t>(got));
+    ended_ = zero != nullptr || got < BlkSize;
+    size_ += static_cast<std::size_t>(zero != nullptr ? static_cast<const char*>(zero) - bytes : got);
+    return true;
+  }
+
+  /// More than a character of any code page takes.
+  static constexpr std::size_t kMostWaiting = 64;
+  /// Units of less than a block, and those of a piece.
+  static constexpr std::size_t kRoom = BlkSize / sizeof(TChar) + BlkSize + kMostWaiting;
+
+  VFile& raw_;
+  Conversion& conversion_;
+  char bytes_[kMostWaiting + BlkSize];  // `size_` of them are to be converted
+  std::size_t size_ = 0;
+  TChar units_[kRoom];  // those from `begin_` to `end_` are to be given out
+  TChar* begin_ = units_;
+  TChar* end_ = units_;
+  bool needsMore_ = true;  // what is left of the bytes waits for more
+  bool ended_ = false;     // no more bytes will come
+  bool done_ = false;      // nor units
+};
 
 }  // namespace
 
@@ -52,10 +144,14 @@ void TCharVFile::LoadText(const TChar* fileName, Encoding& encoding, std::uint32
       SwapContent();
       break;
     case encUtf8:
-      ConvertContent(kUtf8Mark, FromUtf8);
+      ConvertContent<FromUtf8>(kUtf8Mark);
       break;
     case encAnsi:
-      ConvertContent(0, FromAnsi);
+      if (host::GetACP() == host::CP_UTF8) {
+        ConvertContent<FromUtf8>(0);
+      } else {
+        ConvertContent<FromCodePage>(0);
+      }
       break;
   }
   if (res == resDone) SetPos(0);
@@ -87,39 +183,23 @@ TCharVFile::Encoding TCharVFile::ReadMark() {
   return b3 == 0xBF ? encUtf8 : encAnsi;
 }
 
-/// Empties the object, which cannot be converted for want of memory.
-void TCharVFile::GiveUpContent() {
-  ReplaceBuf(0, MaxLen, nullptr, 0);
-  res = resHeapOverflow;
-}
-
-/// Replaces the raw content, UTF-16 with its high byte first, behind its mark. A last odd byte is dropped.
+/// Replaces the raw content, UTF-16 with its high byte first, behind its mark.
 void TCharVFile::SwapContent() {
-  const std::int32_t count = (length - kUtf16Mark) / 2;
-  const auto units = tcharvfile::Room<TChar>(static_cast<std::size_t>(count) + 1);
-  if (units == nullptr) return GiveUpContent();
-  MoveOn(kUtf16Mark);
-  ReadTChars(units.get(), count);
-  if (res != resDone) return;
-  for (std::int32_t i = 0; i < count; ++i) tcharvfile::SwapTChar(units[static_cast<std::size_t>(i)]);
-  VFile::ReplaceBuf(0, length, units.get(), tcharvfile::Twice(count));
+  if (!MoveOn(kUtf16Mark)) return;
+  SwappedContent swapped(*this);
+  ReplaceContent(swapped);
 }
 
-/// Replaces the raw content behind a mark of `mark` bytes by its conversion. It ends at its first 0 byte.
-template <typename Convert>
-void TCharVFile::ConvertContent(std::int32_t mark, Convert convert) {
-  const std::int32_t count = length - mark;
-  const auto bytes = tcharvfile::Room<char>(static_cast<std::size_t>(count) + 1);
-  if (bytes == nullptr) return GiveUpContent();
-  MoveOn(mark);
-  ReadBytes(bytes.get(), count);
-  if (res != resDone) return;
-  bytes[static_cast<std::size_t>(count)] = '\0';
-  const Converted text = convert(bytes.get(), std::strlen(bytes.get()));
-  if (text.units == nullptr) return GiveUpContent();
-  if (text.count > static_cast<std::size_t>(tcharvfile::kMaxUnits)) {
-    res = resTooLong;
+/// Replaces the raw content behind a mark of `mark` bytes by its conversion. Without memory for one the object is empty.
+template <typename Conversion>
+void TCharVFile::ConvertContent(std::int32_t mark) {
+  Conversion conversion;
+  if (!conversion.IsOpen()) {
+    ReplaceBuf(0, MaxLen, nullptr, 0);
+    res = resHeapOverflow;
     return;
   }
-  VFile::ReplaceBuf(0, length, text.units.get(), tcharvfile::Twice(static_cast<std::int32_t>(text.count)));
+  if (!MoveOn(mark)) return;
+  ConvertedContent converted(*this, conversion);
+  ReplaceContent(converted);
 }

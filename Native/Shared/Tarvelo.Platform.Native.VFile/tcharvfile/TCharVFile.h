@@ -195,11 +195,10 @@ class VFILE_API TCharVFile : protected VFile {
   /// stay as they are. `shareMode`, made of the FILE_SHARE bits, is what others may do with the file meanwhile.
   ///
   /// res: that of the open or read, with an empty text; of a refused change, with the text as it was; `resHeapOverflow`, with an
-  /// empty text, where the file has to be converted and the heap has no room for it or for its conversion; of the change by
-  /// the converted text, with the raw bytes as content.
+  /// empty text, where the file is ANSI and the heap has no room for the converter of the code page; of the change by the converted
+  /// text, with the raw bytes as content: `resTooLong` where the thread's space cannot hold these and the text at once.
   ///
-  /// Memory: UTF-16 with low byte first streams; UTF-16 with high byte first holds the file in memory, UTF-8 and ANSI hold three
-  /// times their size.
+  /// Memory: a few pieces of 1024 bytes and the descriptors of the blocks, in every form.
   void LoadText(const TChar* fileName, Encoding& encoding, std::uint32_t shareMode);
   void LoadText(const TChar* fileName, std::uint32_t shareMode);
   void LoadText(const TString& fileName, Encoding& encoding, std::uint32_t shareMode);
@@ -210,29 +209,32 @@ class VFILE_API TCharVFile : protected VFile {
   /// Any value but the three UTF forms is ANSI. `overwrite` replaces an existing file; without it that is `resAlreadyExists`.
   ///
   /// A unit that is no character of the form is written as its replacement: EF BF BD in UTF-8, "?" in ANSI. U+0000 is written as it
-  /// is. A last odd byte is written by `encUtf16` alone. A failure leaves what was written: the mark alone where the heap has no
-  /// room for the text or its conversion, which is `resHeapOverflow`.
+  /// is. A last odd byte is written by `encUtf16` alone. A failure leaves what was written: nothing where the heap has no room for
+  /// the converter of the ANSI code page, which is `resHeapOverflow`, and the mark alone where the converted text would pass 2^31-1
+  /// bytes, which is `resTooLong`.
   ///
-  /// Memory: `encUtf16` streams; the other forms hold the text, UTF-8 and ANSI its bytes as well.
+  /// Memory: a few pieces of 1024 bytes, in every form.
   void SaveText(const TChar* fileName, bool overwrite, Encoding encoding, bool withBom);
   void SaveText(const TString& fileName, bool overwrite, Encoding encoding, bool withBom);
   /// @}
 
  private:
+  class VFILE_LOCAL UnitSearch;
+
   void InsertAt(std::int32_t position, const TChar* units, std::int32_t count);
   VFILE_LOCAL void InsertTStrAt(std::int32_t position, const TChar* text, std::size_t count);
   VFILE_LOCAL void AssignTStr(const TChar* text, std::size_t count);
 
   // LoadText.cpp
   Encoding ReadMark();
-  void GiveUpContent();
   void SwapContent();
-  template <typename Convert>
-  VFILE_LOCAL void ConvertContent(std::int32_t mark, Convert convert);
+  template <typename Conversion>
+  VFILE_LOCAL void ConvertContent(std::int32_t mark);
 
   // TextSearch.cpp
   bool IsWordUnitBehind(std::int32_t position);
   bool IsWordUnitBefore(std::int32_t position);
-  bool ScanForward(std::int32_t& position, const TChar* text, std::int32_t n, bool ignoreCase);
-  bool ScanBackward(std::int32_t& position, const TChar* text, std::int32_t n, bool ignoreCase);
+  bool FindNext(UnitSearch& search, std::int32_t& position, std::int32_t n, bool wholeWord);
+  bool ScanForward(UnitSearch& search, std::int32_t& position);
+  bool ScanBackward(UnitSearch& search, std::int32_t& position);
 };

@@ -11,13 +11,17 @@ using tcharvfile::TCharsToBytes;
 
 namespace {
 
-using Search = vfile::SearchText<vfile::SearchedUnits>;
-
 std::size_t LengthOf(const TChar* text) { return std::char_traits<TChar>::length(text); }
 
 bool IsWordUnit(TChar unit) { return host::iswalnum(unit); }
 
 }  // namespace
+
+/// A search of units: what it looks for does not change from one match to the next.
+class TCharVFile::UnitSearch : public vfile::SearchText<vfile::SearchedUnits> {
+ public:
+  using SearchText::SearchText;
+};
 
 bool TCharVFile::FindTChars(std::int32_t& position, const TChar* text, bool ignoreCase, bool wholeWord) {
   if (position < 0) {
@@ -26,9 +30,14 @@ bool TCharVFile::FindTChars(std::int32_t& position, const TChar* text, bool igno
   }
   const std::int32_t n = vfile::SearchLength(LengthOf(text));
   if (n == 0) return true;
+  UnitSearch search(text, n, UnitSearch::kForward, ignoreCase);
+  return FindNext(search, position, n, wholeWord);
+}
+
+bool TCharVFile::FindNext(UnitSearch& search, std::int32_t& position, std::int32_t n, bool wholeWord) {
   SetPos(TCharsToBytes(position));
   do {
-    if (!ScanForward(position, text, n, ignoreCase) || res != resDone) return false;
+    if (!ScanForward(search, position) || res != resDone) return false;
   } while (wholeWord && (IsWordUnitBehind(position) || IsWordUnitBefore(position - n)));
   return res == resDone;
 }
@@ -44,9 +53,10 @@ bool TCharVFile::FindBackTChars(std::int32_t& position, const TChar* text, bool 
   }
   const std::int32_t n = vfile::SearchLength(LengthOf(text));
   if (n == 0) return true;
+  UnitSearch search(text, n, UnitSearch::kBackward, ignoreCase);
   SetPos(TCharsToBytes(position));
   do {
-    if (!ScanBackward(position, text, n, ignoreCase) || res != resDone) return false;
+    if (!ScanBackward(search, position) || res != resDone) return false;
   } while (wholeWord && (IsWordUnitBefore(position) || IsWordUnitBehind(position + n)));
   return res == resDone;
 }
@@ -63,8 +73,9 @@ std::int32_t TCharVFile::ReplaceGlobalTChars(const TChar* oldText, const TChar* 
     res = resCallError;
     return 0;
   }
+  UnitSearch search(oldText, n, UnitSearch::kForward, ignoreCase);
   std::int32_t count = 0;
-  for (std::int32_t at = 0; FindTChars(at, oldText, ignoreCase, wholeWord); ++count) {
+  for (std::int32_t at = 0; FindNext(search, at, n, wholeWord); ++count) {
     if (AdmitSize(size)) {
       VFile::ReplaceBuf(TCharsToBytes(at - n), TCharsToBytes(n), newText, static_cast<std::int32_t>(size));
     }
@@ -96,8 +107,8 @@ bool TCharVFile::IsWordUnitBefore(std::int32_t position) {
 // two bytes. Found or not, one unit more than the match has been read in the end, or the end of the text been met, and
 // `position` counts the units.
 
-bool TCharVFile::ScanForward(std::int32_t& position, const TChar* text, std::int32_t n, bool ignoreCase) {
-  Search search(text, n, Search::kForward, ignoreCase);
+bool TCharVFile::ScanForward(UnitSearch& search, std::int32_t& position) {
+  search.Restart();
   RunBuffer spare;
   unsigned char cut[2];
   bool isCut = false;
@@ -129,8 +140,8 @@ bool TCharVFile::ScanForward(std::int32_t& position, const TChar* text, std::int
   }
 }
 
-bool TCharVFile::ScanBackward(std::int32_t& position, const TChar* text, std::int32_t n, bool ignoreCase) {
-  Search search(text, n, Search::kBackward, ignoreCase);
+bool TCharVFile::ScanBackward(UnitSearch& search, std::int32_t& position) {
+  search.Restart();
   RunBuffer spare;
   unsigned char cut[2];
   bool isCut = false;

@@ -3,6 +3,7 @@
 #include "host/Host.h"
 #include "threads/ThreadSlots.h"
 #include "vfile/VFile.h"
+#include "vmem/PageTable.h"
 
 // The functions with internal linkage do the work, so that another module's definition of an exported name cannot come in
 // between.
@@ -34,6 +35,7 @@ std::int32_t host::ModuleEntry(std::uint32_t reason) {
     case DLL_PROCESS_DETACH:
       if (!UninitializeThread() || !VFile::TLS_UninitializeProcess()) return 0;
       threads::TlsModuleStop();
+      vmem::FreeKeptPageTable();
       return 1;
     default:
       return 1;

@@ -5,15 +5,21 @@
 #include <cstring>
 
 #include "vfile/BlkPool.h"
+#include "vfile/InBlock.h"
+#include "vfile/LineEnds.h"
 #include "vfile/NewChain.h"
 #include "vfile/Require.h"
 #include "vmem/VMem.h"
 
 /// Brings the cursor and the scratch buffer to a change at `position`. A failure is `resHeapOverflow` in `res`.
 void VFile::InitChange(std::int32_t position) {
-  BlkRdr target = cur;
-  Walk(target, position, true);
-  if (!MoveTo(target)) return;
+  if (StaysForChange(position)) {
+    cur.ix = static_cast<std::int16_t>(position - cur.base);
+  } else {
+    BlkRdr target = cur;
+    Walk(target, position, true);
+    if (!MoveTo(target)) return;
+  }
   pos = position;
   eof = false;
   if (bufValid) return;
@@ -30,10 +36,10 @@ void VFile::InitChange(std::int32_t position) {
     }
     cur.ptr->addr = pool->TakePage();
     if (cur.ptr->addr == -1) Refuse();
-  } else if (!vm->GetBlock(cur.ptr->addr, buf, cur.ptr->len)) {
-    Refuse();
+    bufValid = res == resDone;
+  } else {
+    LoadBuf();
   }
-  bufValid = res == resDone;
 }
 
 /// Takes out `del` bytes at the cursor, which are there, and puts in `ins` bytes: `n` of them, which fit the current block behind
@@ -43,6 +49,7 @@ void VFile::InitChange(std::int32_t position) {
 /// All pages are copied first: behind the current block into the new chain, which is nobody's yet, or, as the last of them, inside
 /// the page of a block that is cut. Then links and lengths change, and nothing can fail any more.
 bool VFile::DoChange(std::int32_t del, const void* bytes, std::int32_t n, NewChain& chain, std::int32_t ins) {
+  held = nullptr;
   const std::int32_t rest = cur.ptr->len - cur.ix;
   if (del < rest && !SaveTail(cur.ix + del, chain)) return false;
   // The first block behind the current one that stays, and its bytes if it is cut.
@@ -51,7 +58,7 @@ bool VFile::DoChange(std::int32_t del, const void* bytes, std::int32_t n, NewCha
   if (!CutBehind(std::max(del - rest, 0), chain, kept, keptLen)) return false;
   if (!JoinBehind(chain, kept)) return false;
 
-  bufDirty = true;
+  MarkDirty();
   if (n > 0) std::memcpy(buf + cur.ix, bytes, static_cast<std::size_t>(n));
   cur.ptr->len = static_cast<std::int16_t>(cur.ix + n);
   UnlinkBehind(kept);
@@ -116,6 +123,5 @@ void VFile::CheckCurLen() {
 
 /// Sets `vfHasEol` if CR or LF is among the bytes.
 void VFile::CheckEOL(const void* bytes, std::int32_t count) {
-  const auto* begin = static_cast<const unsigned char*>(bytes);
-  if (std::any_of(begin, begin + count, [](unsigned char byte) { return byte == 13 || byte == 10; })) flags |= vfHasEol;
+  if (vfile::FindEol(static_cast<const unsigned char*>(bytes), count) < count) flags |= vfHasEol;
 }

@@ -1,26 +1,17 @@
 // Lines: the bytes of a block are scanned at once. `pos` and `eof` end as if each byte of the line had been read for itself.
 
 #include <algorithm>
-#include <cstring>
 
+#include "vfile/LineEnds.h"
 #include "vfile/VFile.h"
+
+using vfile::FindEol;
+using vfile::kCr;
+using vfile::kLf;
 
 namespace {
 
-constexpr unsigned char kCr = 13;
-constexpr unsigned char kLf = 10;
 constexpr unsigned char kBlank = 32;
-
-bool IsEol(unsigned char byte) { return byte == kCr || byte == kLf; }
-
-/// The offset of the first CR or LF, or `count`.
-std::int32_t FindEol(const unsigned char* bytes, std::int32_t count) {
-  for (const unsigned char eol : {kLf, kCr}) {
-    const void* found = std::memchr(bytes, eol, static_cast<std::size_t>(count));
-    if (found != nullptr) count = static_cast<std::int32_t>(static_cast<const unsigned char*>(found) - bytes);
-  }
-  return count;
-}
 
 }  // namespace
 
@@ -79,11 +70,9 @@ std::int32_t VFile::LineStart(std::int32_t position) {
       eof = true;
       return 0;
     }
-    const unsigned char* start = run.bytes + run.count;
-    while (start > run.bytes && !IsEol(start[-1])) --start;
-    const auto skipped = static_cast<std::int32_t>(run.bytes + run.count - start);
-    Skip(-skipped);
-    if (start == run.bytes) continue;
+    const std::int32_t start = vfile::FindEolBack(run.bytes, run.count);
+    Skip(start - run.count);
+    if (start == 0) continue;
     Skip(-1);
     return pos + 1;
   }

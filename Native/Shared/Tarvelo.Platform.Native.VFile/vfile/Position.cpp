@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "hsys/WrapAdd.h"
+#include "vfile/InBlock.h"
 #include "vfile/VFile.h"
 
 void VFile::SetPos(std::int32_t position) {
@@ -16,6 +17,7 @@ void VFile::SetPos(std::int32_t position) {
 /// `SetPos` in the middle of an operation: a refusal that stands in `res` stays there. Gives whether it moved.
 bool VFile::MoveOn(std::int32_t position) {
   position = std::min(position, length);
+  if (MoveInBlock(position)) return true;
   BlkRdr target = cur;
   Walk(target, position, false);
   if (!MoveTo(target)) return false;

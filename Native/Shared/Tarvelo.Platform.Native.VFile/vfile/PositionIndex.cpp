@@ -173,7 +173,8 @@ void PositionIndex::Find(BlkRdr& cursor, std::int32_t position) const {
   cursor.base = base;
 }
 
-PositionIndex::Place PositionIndex::Locate(std::int32_t base) const {
+PositionIndex::Place PositionIndex::Locate(std::int32_t base) {
+  if (base == locatedBase_) return located_;
   Place place;
   std::int32_t before = 0;
   place.group = Fall(topSums_, topCount_, base, before);
@@ -181,6 +182,8 @@ PositionIndex::Place PositionIndex::Locate(std::int32_t base) const {
   place.leaf = Fall(group.sums, group.count, base, before);
   const Leaf& leaf = *group.leaves[place.leaf];
   place.slot = Fall(leaf.lens, leaf.count, base, before);
+  locatedBase_ = base;
+  located_ = place;
   return place;
 }
 
@@ -214,6 +217,7 @@ void PositionIndex::SetLenBehind(const Place& place, std::int32_t len) {
 }
 
 bool PositionIndex::InsertBehind(const Place& place, BlkDesc* head, std::int32_t count) {
+  locatedBase_ = -1;
   Place at = place;
   for (BlkDesc* p = head; count > 0; p = p->next, --count) {
     if (LeafAt(at).count == kFanOut && !SplitLeaf(at)) return false;
@@ -296,6 +300,7 @@ void PositionIndex::Remove(const Place& place) { RemoveInLeaf(place, 1); }
 
 /// Takes out up to `count` blocks from `place` on, as many as its leaf holds; gives how many.
 std::int32_t PositionIndex::RemoveInLeaf(const Place& place, std::int32_t count) {
+  locatedBase_ = -1;
   Leaf& leaf = LeafAt(place);
   const std::int32_t part = std::min(count, leaf.count - place.slot);
   AddToSums(place, -Sum(leaf.lens + place.slot, part));

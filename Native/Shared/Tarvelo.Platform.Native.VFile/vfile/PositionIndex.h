@@ -49,7 +49,7 @@ class PositionIndex {
   /// Moves `cursor` to the block that holds `position`, which lies before the end of the chain.
   void Find(BlkRdr& cursor, std::int32_t position) const;
   /// The place of the block that starts at `base`.
-  Place Locate(std::int32_t base) const;
+  Place Locate(std::int32_t base);
 
   /// Takes in `count` blocks from `head` on, behind the one at `place`.
   bool InsertBehind(const Place& place, BlkDesc* head, std::int32_t count);
@@ -101,6 +101,8 @@ class PositionIndex {
   std::int32_t topCount_ = 0;
   std::int32_t topRoom_ = 0;
   std::int32_t leafCount_ = 0;
+  std::int32_t locatedBase_ = -1;  // what was located last, or -1; a block is often left and entered again
+  Place located_ = {};
 };
 
 }  // namespace vfile

@@ -1,13 +1,14 @@
 #include <algorithm>
 #include <cstring>
 
+#include "vfile/LineEnds.h"
 #include "vfile/VFile.h"
 #include "vmem/VMem.h"
 
-namespace {
+using vfile::kCr;
+using vfile::kLf;
 
-constexpr unsigned char kCr = 13;
-constexpr unsigned char kLf = 10;
+namespace {
 
 /// Calls a reader of bytes for another 8-bit type.
 template <typename Char, typename Reader>
@@ -49,6 +50,18 @@ void VFile::ReadPrevByte(unsigned char& byte) {
     return;
   }
   Skip(-1);
+}
+
+/// `ReadBytes` of a value, which mostly lies in the buffer.
+template <typename Value>
+void VFile::ReadValue(Value& value) {
+  constexpr std::int32_t kWidth = sizeof value;
+  if (bufValid && cur.ptr->len - cur.ix >= kWidth) [[likely]] {
+    std::memcpy(&value, buf + cur.ix, sizeof value);
+    Skip(kWidth);
+  } else {
+    ReadBytes(&value, kWidth);
+  }
 }
 
 std::int32_t VFile::ReadBytes(void* buffer, std::int32_t count) {
@@ -95,18 +108,18 @@ void VFile::ReadPrevChar(char& ch) {
 }
 void VFile::ReadPrevChar(unsigned char& ch) { ReadPrevByte(ch); }
 
-void VFile::ReadWord(short& value) { ReadBytes(&value, sizeof value); }
-void VFile::ReadWord(unsigned short& value) { ReadBytes(&value, sizeof value); }
-void VFile::ReadDWord(int& value) { ReadBytes(&value, sizeof value); }
-void VFile::ReadDWord(unsigned int& value) { ReadBytes(&value, sizeof value); }
-void VFile::ReadQWord(long long& value) { ReadBytes(&value, sizeof value); }
-void VFile::ReadQWord(unsigned long long& value) { ReadBytes(&value, sizeof value); }
+void VFile::ReadWord(short& value) { ReadValue(value); }
+void VFile::ReadWord(unsigned short& value) { ReadValue(value); }
+void VFile::ReadDWord(int& value) { ReadValue(value); }
+void VFile::ReadDWord(unsigned int& value) { ReadValue(value); }
+void VFile::ReadQWord(long long& value) { ReadValue(value); }
+void VFile::ReadQWord(unsigned long long& value) { ReadValue(value); }
 #if LONG_MAX > INT_MAX
-void VFile::ReadQWord(long& value) { ReadBytes(&value, sizeof value); }
-void VFile::ReadQWord(unsigned long& value) { ReadBytes(&value, sizeof value); }
+void VFile::ReadQWord(long& value) { ReadValue(value); }
+void VFile::ReadQWord(unsigned long& value) { ReadValue(value); }
 #else
-void VFile::ReadDWord(long& value) { ReadBytes(&value, sizeof value); }
-void VFile::ReadDWord(unsigned long& value) { ReadBytes(&value, sizeof value); }
+void VFile::ReadDWord(long& value) { ReadValue(value); }
+void VFile::ReadDWord(unsigned long& value) { ReadValue(value); }
 #endif
 
 // ---- Text ----
@@ -162,15 +175,23 @@ std::int32_t VFile::ReadLine(char* buffer, std::int32_t size) {
     return 0;
   }
   std::int32_t stored = 0;
+  RunBuffer spare;
   for (;;) {
-    unsigned char byte;
-    ReadByte(byte);
-    if (eof || byte == kLf) break;
-    if (byte == kCr) {
-      SkipLf();
+    const Run run = RunForward(spare);
+    if (run.count == 0) {
+      eof = true;
       break;
     }
-    if (stored < size - 1) buffer[stored++] = static_cast<char>(byte);
+    const std::int32_t n = vfile::FindEol(run.bytes, run.count);
+    const std::int32_t part = std::min(n, size - 1 - stored);
+    std::memcpy(buffer + stored, run.bytes, static_cast<std::size_t>(part));
+    stored += part;
+    Skip(n);
+    if (n == run.count) continue;
+    const bool isCr = run.bytes[n] == kCr;
+    Skip(1);
+    if (isCr) SkipLf();
+    break;
   }
   buffer[stored] = '\0';
   return stored;

@@ -8,6 +8,9 @@
 #include "host/Host.h"
 #include "hsys/Checked.h"
 #include "vfile/BlkPool.h"
+#include "vfile/ContentSource.h"
+#include "vfile/InBlock.h"
+#include "vfile/LineEnds.h"
 #include "vfile/NewChain.h"
 #include "vfile/Require.h"
 #include "vmem/VMem.h"
@@ -78,6 +81,11 @@ bool VFile::Clamp(std::int32_t& position, std::int32_t& del, std::int32_t count)
 /// The rest of step 4: whether the thread's space has the pages that a change takes before it gives any back. `ownBlocks` says
 /// that all its bytes come in blocks of their own.
 bool VFile::SpaceHolds(std::int32_t position, std::int32_t del, std::int32_t count, bool ownBlocks) {
+  if (!ownBlocks && bufValid && StaysForChange(position)) {
+    const BlkRdr here = {cur.ptr, cur.base, static_cast<std::int16_t>(position - cur.base)};
+    if (FitsInBlock(here, del, count)) [[likely]]
+      return true;
+  }
   const std::int32_t left = pool->PagesLeft();
   // The least that a change of so many bytes can do with is not far below the most.
   constexpr std::int32_t kMostBeside = 3;
@@ -105,16 +113,12 @@ bool VFile::Allow(std::int32_t position, std::int32_t del, std::int32_t ins) {
 
 /// Step 6.
 void VFile::Finish(std::int32_t position) {
-  SetPos(position);
+  res = resDone;
+  if (!MoveInBlock(position)) MoveOn(position);
   if constexpr (hsys::kChecked) CheckInvariants();
 }
 
 // ---- The change of a buffer or a file, whose arguments are settled ----
-
-/// Whether the change stays inside the cursor's block.
-bool VFile::FitsInBlock(const BlkRdr& cursor, std::int32_t del, std::int32_t count) {
-  return del <= cursor.ptr->len - cursor.ix && count <= BlkSize - (cursor.ptr->len - del);
-}
 
 template <typename Source>
 void VFile::ChangeFrom(Source& source, std::int32_t position, std::int32_t del, std::int32_t count) {
@@ -138,11 +142,15 @@ bool VFile::ChangeInBlock(Source& source, std::int32_t position, std::int32_t de
   unsigned char* at = buf + cur.ix;
   const std::int32_t tail = cur.ptr->len - cur.ix - del;
   if (tail > 0 && del != count) std::memmove(at + count, at + del, static_cast<std::size_t>(tail));
-  if (count > 0) std::memcpy(at, bytes, static_cast<std::size_t>(count));
+  if (count == 1) {
+    *at = *static_cast<const unsigned char*>(bytes);
+  } else if (count > 0) {
+    std::memcpy(at, bytes, static_cast<std::size_t>(count));
+  }
   cur.ptr->len = static_cast<std::int16_t>(cur.ptr->len - del + count);
   length = length - del + count;
-  bufDirty = true;
-  CheckCurLen();
+  MarkDirty();
+  if (cur.ptr->len == 0) CheckCurLen();
   return true;
 }
 
@@ -177,7 +185,7 @@ void VFile::ReplaceBuf(std::int32_t position, std::int32_t del, const void* buff
     if (!SpaceHolds(position, del, count, false)) return;
     InitChange(position);
     if (res != resDone) return;
-    if (type > 0 && count > 0 && FlagOn(vfEolScan) && !FlagOn(vfNoEolScan)) CheckEOL(buffer, count);
+    if (ScansEol() && count > 0) CheckEOL(buffer, count);
   }
   BufferSource source(buffer);
   ChangeFrom(source, position, del, count);
@@ -282,4 +290,37 @@ void VFile::ReplaceByReading(std::int32_t position, std::int32_t del, bool open,
     PostChange(position, del, total);
   }
   Finish(position + total);
+}
+
+void VFile::ReplaceContent(vfile::ContentSource& source) {
+  if (!OnOwnerThread() || res != resDone || !Admit(true)) return;
+  const std::int32_t del = length;
+  unsigned char head[BlkSize];
+  const std::int32_t n = source.Next(head);
+  if (n < 0) return;
+  bool hasEol = vfile::FindEol(head, n) < n;
+  NewChain chain(*this);
+  std::int32_t total = n;
+  for (std::int32_t part = n; part == BlkSize;) {
+    unsigned char piece[BlkSize];
+    part = source.Next(piece);
+    if (part < 0) return;
+    if (part == 0) break;
+    if (part > MaxLen - total) {
+      res = resTooLong;
+      return;
+    }
+    if (!chain.AddBlock(part) || !chain.Fill(piece)) return;
+    if (!hasEol) hasEol = vfile::FindEol(piece, part) < part;
+    total += part;
+  }
+  if (del > 0 || total > 0) {
+    InitChange(0);
+    if (res != resDone) return;
+    if (ScansEol() && hasEol) flags |= vfHasEol;
+    if (!Allow(0, del, total)) return;
+    if (!DoChange(del, head, n, chain, total)) return;
+    PostChange(0, del, total);
+  }
+  Finish(total);
 }

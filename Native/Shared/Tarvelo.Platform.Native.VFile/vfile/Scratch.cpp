@@ -6,11 +6,13 @@
 //   true      true      the buffer is newer                MoveTo another block, Flush: written, 1; CheckCurLen of an
 //                                                          empty block: 1
 //
-// Whoever moves `cur` to another block does it by MoveTo.
+// Whoever moves `cur` to another block does it by MoveTo. The buffer still holds the bytes of the block that was left, `held`, until it
+// loads another or the chain changes: back there they need no loading while the page is at hand.
 //
 // A page that cannot be read or written is a halt of the virtual memory. Behind one that returned nothing has moved, the bytes
 // are where they were, and `res` is `resHeapOverflow`.
 
+#include <algorithm>
 #include <new>
 
 #include "vfile/PositionIndex.h"
@@ -34,7 +36,9 @@ bool VFile::Refuse() {
 bool VFile::LoadBuf() {
   if (bufValid) return true;
   if (!MakeBuf()) return false;
-  if (!vm->GetBlock(cur.ptr->addr, buf, cur.ptr->len)) return Refuse();
+  const bool holds = held == cur.ptr && vm->IsAtHand(cur.ptr->addr);
+  held = nullptr;
+  if (!holds && !vm->GetBlock(cur.ptr->addr, buf, cur.ptr->len)) return Refuse();
   bufValid = true;
   return true;
 }
@@ -45,7 +49,11 @@ bool VFile::CopyUnbuffered(std::int32_t ix, void* bytes, std::int32_t count) {
 }
 
 bool VFile::WriteBack() {
-  if (bufDirty && !vm->SetBlock(cur.ptr->addr, buf, cur.ptr->len)) return Refuse();
+  if (!bufDirty) return true;
+  const std::int32_t len = cur.ptr->len;
+  // A page that is not at hand takes the whole block, of which it may need no reading. One byte at least tells it that it changes.
+  const std::int32_t from = vm->IsAtHand(cur.ptr->addr) ? std::min<std::int32_t>(dirtyFrom, len - 1) : 0;
+  if (!vm->SetBlock(cur.ptr->addr + from, buf + from, len - from)) return Refuse();
   bufDirty = false;
   return true;
 }
@@ -53,6 +61,7 @@ bool VFile::WriteBack() {
 bool VFile::MoveTo(const BlkRdr& target) {
   if (target.ptr != cur.ptr) {
     if (!WriteBack()) return false;
+    if (bufValid) held = cur.ptr;
     bufValid = false;
     if (index != nullptr) {
       SettleCurLen();
@@ -110,6 +119,7 @@ void VFile::Flush() {
   if (!OnOwnerThread()) return;
   if (!WriteBack()) return;
   bufValid = false;
+  held = nullptr;
   delete[] buf;
   buf = nullptr;
 }

@@ -10,11 +10,16 @@ namespace {
 
 std::int32_t LengthOf(const char* text) { return vfile::SearchLength(std::strlen(text)); }
 
-using Search = vfile::SearchText<vfile::SearchedBytes>;
-
 bool IsWordByte(unsigned char byte) { return std::isalnum(byte) != 0; }
 
 }  // namespace
+
+/// A search of bytes: what it looks for does not change from one match to the next.
+class VFile::ByteSearch : public vfile::SearchText<vfile::SearchedBytes> {
+ public:
+  ByteSearch(const char* text, std::int32_t length, Direction direction, bool ignoreCase)
+      : SearchText(reinterpret_cast<const unsigned char*>(text), length, direction, ignoreCase) {}
+};
 
 bool VFile::Find(std::int32_t& position, const char* text, bool ignoreCase, bool wholeWord) {
   if (!OnOwnerThread()) return false;
@@ -24,9 +29,14 @@ bool VFile::Find(std::int32_t& position, const char* text, bool ignoreCase, bool
   }
   const std::int32_t n = LengthOf(text);
   if (n == 0) return true;
+  ByteSearch search(text, n, ByteSearch::kForward, ignoreCase);
+  return FindNext(search, position, n, wholeWord);
+}
+
+bool VFile::FindNext(ByteSearch& search, std::int32_t& position, std::int32_t n, bool wholeWord) {
   SetPos(position);
   do {
-    if (!ScanForward(position, text, ignoreCase) || res != resDone) return false;
+    if (!ScanForward(search, position) || res != resDone) return false;
   } while (wholeWord && (IsWordByteBehind(position) || IsWordByteBefore(position - n)));
   return res == resDone;
 }
@@ -39,9 +49,10 @@ bool VFile::FindBack(std::int32_t& position, const char* text, bool ignoreCase, 
   }
   const std::int32_t n = LengthOf(text);
   if (n == 0) return true;
+  ByteSearch search(text, n, ByteSearch::kBackward, ignoreCase);
   SetPos(position);
   do {
-    if (!ScanBackward(position, text, ignoreCase) || res != resDone) return false;
+    if (!ScanBackward(search, position) || res != resDone) return false;
   } while (wholeWord && (IsWordByteBefore(position) || IsWordByteBehind(position + n)));
   return res == resDone;
 }
@@ -54,8 +65,9 @@ std::int32_t VFile::ReplaceGlobal(const char* oldText, const char* newText, bool
     res = resCallError;
     return 0;
   }
+  ByteSearch search(oldText, n, ByteSearch::kForward, ignoreCase);
   std::int32_t count = 0;
-  for (std::int32_t at = 0; Find(at, oldText, ignoreCase, wholeWord); ++count) {
+  for (std::int32_t at = 0; FindNext(search, at, n, wholeWord); ++count) {
     if (AdmitSize(m)) ReplaceBuf(at - n, n, newText, static_cast<std::int32_t>(m));
     if (res != resDone) break;
     // Behind the new text, which is not searched again.
@@ -84,8 +96,8 @@ bool VFile::IsWordByteBefore(std::int32_t position) {
 // The two scans. Each goes through the file once, block by block. Found or not, one byte more than the match has been read
 // in the end, or the end of the file been met, and `position` counts the bytes.
 
-bool VFile::ScanForward(std::int32_t& position, const char* text, bool ignoreCase) {
-  Search search(reinterpret_cast<const unsigned char*>(text), LengthOf(text), Search::kForward, ignoreCase);
+bool VFile::ScanForward(ByteSearch& search, std::int32_t& position) {
+  search.Restart();
   RunBuffer spare;
   MoveOn(position);
   for (;;) {
@@ -105,8 +117,8 @@ bool VFile::ScanForward(std::int32_t& position, const char* text, bool ignoreCas
   }
 }
 
-bool VFile::ScanBackward(std::int32_t& position, const char* text, bool ignoreCase) {
-  Search search(reinterpret_cast<const unsigned char*>(text), LengthOf(text), Search::kBackward, ignoreCase);
+bool VFile::ScanBackward(ByteSearch& search, std::int32_t& position) {
+  search.Restart();
   RunBuffer spare;
   position = std::min(position, length);
   MoveOn(position);

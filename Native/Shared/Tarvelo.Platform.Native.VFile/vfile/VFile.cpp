@@ -45,6 +45,8 @@ void VFile::Init() {
   threadId = 0;
   blockCount = 1;
   index = nullptr;
+  held = nullptr;
+  dirtyFrom = 0;
   AttachThread();
 }
 

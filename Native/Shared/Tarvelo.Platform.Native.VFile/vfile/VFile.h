@@ -64,6 +64,7 @@ class BlkPool;
 class VMem;
 namespace vfile {
 class Comparison;
+class ContentSource;
 class PositionIndex;
 }  // namespace vfile
 
@@ -583,6 +584,9 @@ class VFILE_API VFile {
   void Skip(std::int32_t count);
   /// Whether `size` bytes are a count. If not, a change that could begin otherwise is `resTooLong`. For the library's own classes.
   VFILE_LOCAL bool AdmitSize(std::size_t size);
+  /// Makes what the source gives the whole content, by one change that takes no more memory than its blocks. A failure, `resTooLong`
+  /// among them, leaves the old content. For the library's own classes.
+  VFILE_LOCAL void ReplaceContent(vfile::ContentSource& source);
 
   /// @}
   /// @name The data model. Derived classes read it; only this class writes it.
@@ -620,12 +624,15 @@ class VFILE_API VFile {
   std::uint32_t threadId;               ///< the constructing thread; 0 after the destructor
   std::int32_t blockCount;              ///< blocks of the chain
   mutable vfile::PositionIndex* index;  ///< owned; of a file that has made a far move, else null
+  const BlkDesc* held;                  ///< the block whose page agrees with `buf` while `bufValid` is off, or null
+  std::int16_t dirtyFrom;               ///< while `bufDirty`: index of the first byte that can differ from the page
                                         /// @}
 
  private:
   class VFILE_LOCAL NewChain;
   class VFILE_LOCAL BufferSource;
   class VFILE_LOCAL FileSource;
+  class VFILE_LOCAL ByteSearch;
   friend class vfile::Comparison;
 
   bool OnOwnerThread(std::int32_t line = __builtin_LINE()) const;
@@ -646,6 +653,12 @@ class VFILE_API VFile {
   void ShortenBehind(std::int32_t len);
   void LinkBehind(NewChain& chain);
 
+  // InBlock.h
+  bool MoveInBlock(std::int32_t position);
+  bool StaysForChange(std::int32_t position) const;
+  static bool FitsInBlock(const BlkRdr& cursor, std::int32_t del, std::int32_t count);
+  void MarkDirty();
+
   // Walk.cpp
   void Walk(BlkRdr& cursor, std::int32_t position, bool forChange) const;
   void FindFar(BlkRdr& cursor, std::int32_t position) const;
@@ -654,6 +667,8 @@ class VFILE_API VFile {
   void CheckIndex();
 
   // Reading.cpp
+  template <typename Value>
+  VFILE_LOCAL void ReadValue(Value& value);
   bool SkipLf();
 
   // Scratch.cpp
@@ -681,6 +696,7 @@ class VFILE_API VFile {
   bool CutBehind(std::int32_t count, NewChain& chain, BlkDesc*& kept, std::int32_t& keptLen);
   bool JoinBehind(NewChain& chain, BlkDesc*& kept);
   void CheckCurLen();
+  bool ScansEol() const { return type > 0 && FlagOn(vfEolScan) && !FlagOn(vfNoEolScan); }
   void CheckEOL(const void* bytes, std::int32_t count);
 
   // Replace.cpp
@@ -688,7 +704,6 @@ class VFILE_API VFile {
   bool Clamp(std::int32_t& position, std::int32_t& del, std::int32_t count);
   bool Allow(std::int32_t position, std::int32_t del, std::int32_t ins);
   bool SpaceHolds(std::int32_t position, std::int32_t del, std::int32_t count, bool ownBlocks);
-  static bool FitsInBlock(const BlkRdr& cursor, std::int32_t del, std::int32_t count);
   template <typename Source>
   VFILE_LOCAL bool CopyFrom(Source& source, void* target, std::int32_t count);
   template <typename Source>
@@ -709,8 +724,9 @@ class VFILE_API VFile {
   // Search.cpp
   bool IsWordByteBehind(std::int32_t position);
   bool IsWordByteBefore(std::int32_t position);
-  bool ScanForward(std::int32_t& position, const char* text, bool ignoreCase);
-  bool ScanBackward(std::int32_t& position, const char* text, bool ignoreCase);
+  bool FindNext(ByteSearch& search, std::int32_t& position, std::int32_t n, bool wholeWord);
+  bool ScanForward(ByteSearch& search, std::int32_t& position);
+  bool ScanBackward(ByteSearch& search, std::int32_t& position);
 
   // Lines.cpp
   bool AdmitLine(std::int32_t position, std::int32_t line = __builtin_LINE());

@@ -13,8 +13,9 @@ constexpr std::int32_t kShortWay = 48;
 /// The least blocks for which there is an index.
 constexpr std::int32_t kLeastIndexed = 4 * kShortWay;
 
-/// Walks forward to the block of the position; false where that is too far.
+/// Walks forward to the block of the position, past up to `way` blocks; false where that is too far.
 bool Forward(BlkRdr& cursor, std::int32_t position, std::int32_t way) {
+  if ((position - cursor.base) / BlkSize > way) return false;
   for (; cursor.ptr->len + cursor.base <= position && cursor.ptr->next != nullptr; --way) {
     if (way == 0) return false;
     cursor.base += cursor.ptr->len;
@@ -29,6 +30,7 @@ void StepBack(BlkRdr& cursor) {
 }
 
 bool Backward(BlkRdr& cursor, std::int32_t position, std::int32_t way) {
+  if ((cursor.base - position) / BlkSize > way) return false;
   for (; position < cursor.base && cursor.ptr->prev != nullptr; --way) {
     if (way == 0) return false;
     StepBack(cursor);

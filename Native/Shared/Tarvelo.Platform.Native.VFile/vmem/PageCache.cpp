@@ -6,7 +6,6 @@
 //
 // The order of the list is that of loading, so it is not searched: the pages of each residue are chained as well.
 
-#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -24,7 +23,7 @@ bool Require(const TChar* proc, bool holds, const TChar* message) {
 
 void VMem::FlushCache() {
   if (!OnOwnerThread()) return;
-  for (CacheDesc* p = cacheHead; p != nullptr && FlushCachePtr(p); p = p->next) continue;
+  for (CacheDesc* p = cacheHead; p != nullptr && FlushCachePtr(p, true); p = p->next) continue;
   CheckInvariants();
 }
 
@@ -39,21 +38,37 @@ void VMem::ReleaseCache() {
 CacheDesc* VMem::FindPage(std::int32_t addr) {
   CacheDesc* p = HashedPage(addr);
   if (p != nullptr) return p;
-  const std::int32_t index = vmem::HashIndex(addr, kHashSize);
-  p = residueHead[index];
+  p = CachedPage(addr);
+  return p != nullptr ? UseCached(p) : LoadPage(addr, true);
+}
+
+/// The same for a page all of whose bytes the caller sets at once: one that is not cached is not read.
+CacheDesc* VMem::PageToOverwrite(std::int32_t addr) {
+  CacheDesc* p = HashedPage(addr);
+  if (p != nullptr) return p;
+  p = CachedPage(addr);
+  return p != nullptr ? UseCached(p) : LoadPage(addr, false);
+}
+
+/// The page at `addr` if it is cached. Touches nothing.
+CacheDesc* VMem::CachedPage(std::int32_t addr) const {
+  CacheDesc* p = residueHead[vmem::HashIndex(addr, kHashSize)];
   while (p != nullptr && p->addr != addr) p = p->sibling;
-  if (p == nullptr) {
-    p = LoadPage(addr);
-  } else if (p != cacheHead) {
-    Unlink(p);
-    LinkHead(p);
-  }
-  if (p != nullptr) hashTable[index] = p;
   return p;
 }
 
-/// Brings a page that is not cached to the head of the list.
-CacheDesc* VMem::LoadPage(std::int32_t addr) {
+/// A cached page that the hash table does not name moves to the head and gets its entry.
+CacheDesc* VMem::UseCached(CacheDesc* p) {
+  if (p != cacheHead) {
+    Unlink(p);
+    LinkHead(p);
+  }
+  hashTable[vmem::HashIndex(p->addr, kHashSize)] = p;
+  return p;
+}
+
+/// Brings a page that is not cached to the head of the list; with its content only where that is to be read.
+CacheDesc* VMem::LoadPage(std::int32_t addr, bool read) {
   // Outside the list a descriptor is held by this alone: a halt while the page is read loses no memory.
   struct Unlinked {
     ~Unlinked() {
@@ -63,9 +78,13 @@ CacheDesc* VMem::LoadPage(std::int32_t addr) {
     const CacheDesc* spare;
   } unlinked{TakeDescriptor(), spareDesc};
   CacheDesc* p = unlinked.p;
-  if (p == nullptr || !FillPage(p, addr)) return nullptr;
+  if (p == nullptr) return nullptr;
+  p->addr = addr;
+  p->dirty = false;
+  if (read && !FillPage(p)) return nullptr;
   LinkHead(p);
   unlinked.p = nullptr;
+  hashTable[vmem::HashIndex(addr, kHashSize)] = p;
   return p;
 }
 
@@ -78,7 +97,7 @@ CacheDesc* VMem::TakeDescriptor() {
     NewCachePtr(p);
     return p;
   }
-  if (!FlushCachePtr(victim)) return nullptr;
+  if (!FlushCachePtr(victim, false)) return nullptr;
   UnHashCachePtr(victim);
   Unlink(victim);
   return victim;
@@ -94,10 +113,8 @@ CacheDesc* VMem::Victim() const {
   return victim;
 }
 
-bool VMem::FillPage(CacheDesc* p, std::int32_t addr) {
-  p->addr = addr;
-  p->dirty = false;
-  if (addr < fileLen) return ReadFromSwapFile(addr, p->data);
+bool VMem::FillPage(CacheDesc* p) {
+  if (p->addr < fileLen) return ReadFromSwapFile(p->addr, p->data);
   std::memset(p->data, 0, sizeof p->data);
   return true;
 }
@@ -144,19 +161,18 @@ void VMem::UnHashCachePtr(CacheDesc* p) {
 void VMem::ShrinkCache(std::int16_t count) {
   while (cacheCount > count) {
     CacheDesc* p = cacheHead;
-    if (!FlushCachePtr(p)) return;
+    if (!FlushCachePtr(p, count == 0)) return;
     UnHashCachePtr(p);
     Unlink(p);
     if (p != spareDesc) DisposeCachePtr(p);
   }
 }
 
-/// Frees all pages, unwritten, and the spare descriptor.
+/// Frees all pages, unwritten, and the spare descriptor. The tables name nothing then.
 void VMem::DropCache() {
-  std::fill(std::begin(hashTable), std::end(hashTable), nullptr);
-  std::fill(std::begin(residueHead), std::end(residueHead), nullptr);
   for (CacheDesc* p = cacheHead; p != nullptr;) {
     CacheDesc* next = p->next;
+    residueHead[vmem::HashIndex(p->addr, kHashSize)] = nullptr;
     if (p != spareDesc) DisposeCachePtr(p);
     p = next;
   }

@@ -19,7 +19,7 @@ constexpr std::int32_t HashIndex(std::int32_t addr, std::int32_t hashSize) {
 }  // namespace vmem
 
 /// The page that the hash table names for `addr`, a multiple of 1024; null if it names none.
-inline CacheDesc* VMem::HashedPage(std::int32_t addr) {
+inline CacheDesc* VMem::HashedPage(std::int32_t addr) const {
   CacheDesc* p = hashTable[vmem::HashIndex(addr, kHashSize)];
   return p != nullptr && p->addr == addr ? p : nullptr;
 }

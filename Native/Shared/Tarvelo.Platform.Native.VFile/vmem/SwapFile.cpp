@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <string>
 
 #include "host/Host.h"
@@ -16,6 +17,7 @@
 #include "hsys/TempDirectory.h"
 #include "hsys/TempNumbers.h"
 #include "vmem/PageLayout.h"
+#include "vmem/ReadAhead.h"
 
 namespace {
 
@@ -81,8 +83,9 @@ HANDLE vmem::CreateSwapFile(TChar* name, std::uint32_t capacity, const TChar* di
   return INVALID_HANDLE_VALUE;
 }
 
-/// Writes the page if it is dirty. False behind a halt that returned, when the descriptor may be gone.
-bool VMem::FlushCachePtr(CacheDesc* p) {
+/// Writes the page if it is dirty. False behind a halt that returned, when the descriptor may be gone. `flushingAll` says that all
+/// other dirty pages are written next.
+bool VMem::FlushCachePtr(CacheDesc* p, bool flushingAll) {
   static constexpr const TChar* kProc = TSTR("FlushCachePtr");
   if (!p->dirty) return true;
   if (swapFile == INVALID_HANDLE_VALUE) {
@@ -91,7 +94,7 @@ bool VMem::FlushCachePtr(CacheDesc* p) {
     if (!Require(kProc, swapFile != INVALID_HANDLE_VALUE, TSTR("swap file creation failed"))) return false;
     swapFileName = hsys::CopyUnits(name);
   }
-  if (!ExtendFile(p->addr)) return false;
+  if (!ExtendFile(p->addr, flushingAll)) return false;
   if (!WriteToSwapFile(p->addr, p->data, kPageSize, kProc)) return false;
   // The end of the last page of all is no 32-bit number; it counts as the largest.
   const std::int64_t end = std::int64_t{p->addr} + kPageSize;
@@ -100,13 +103,16 @@ bool VMem::FlushCachePtr(CacheDesc* p) {
   return true;
 }
 
-/// Makes the file `newLen` bytes long, with zeros: no page of it is ever unwritten.
-bool VMem::ExtendFile(std::int32_t newLen) {
+/// Makes the file `newLen` bytes long: no page of it is ever unwritten. With zeros, but for the dirty pages on the way where all are
+/// flushed.
+bool VMem::ExtendFile(std::int32_t newLen, bool flushingAll) {
   static constexpr unsigned char kZeros[kPageSize] = {};
   while (fileLen < newLen) {
-    const std::int32_t count = std::min(newLen - fileLen, kPageSize);
-    if (!WriteToSwapFile(fileLen, kZeros, count, TSTR("ExtendFile"))) return false;
-    fileLen += count;
+    CacheDesc* p = flushingAll ? CachedPage(fileLen) : nullptr;
+    if (p != nullptr && !p->dirty) p = nullptr;
+    if (!WriteToSwapFile(fileLen, p != nullptr ? p->data : kZeros, kPageSize, TSTR("ExtendFile"))) return false;
+    fileLen += kPageSize;
+    if (p != nullptr) p->dirty = false;
   }
   return true;
 }
@@ -115,6 +121,7 @@ bool VMem::ExtendFile(std::int32_t newLen) {
 // tell which of them it is that fails.
 
 bool VMem::WriteToSwapFile(std::int32_t addr, const unsigned char* data, std::int32_t count, const TChar* proc) {
+  if (readAhead != nullptr) readAhead->Forget(addr);
   std::uint32_t done = 0;
   const auto wanted = static_cast<std::uint32_t>(count);
   if (host::WriteFile(swapFile, data, wanted, &done, PlaceOf(addr)) && done == wanted) return true;
@@ -125,11 +132,28 @@ bool VMem::WriteToSwapFile(std::int32_t addr, const unsigned char* data, std::in
 
 bool VMem::ReadFromSwapFile(std::int32_t addr, unsigned char* data) {
   static constexpr const TChar* kProc = TSTR("FindPage");
+  if (TakeReadAhead(addr, data)) return true;
   std::uint32_t done = 0;
   if (host::ReadFile(swapFile, data, kPageSize, &done, PlaceOf(addr)) && done == kPageSize) return true;
   if (!SeekInSwapFile(addr, kProc)) return false;
   const bool read = host::ReadFile(swapFile, data, kPageSize, &done) && done == kPageSize;
   return Require(kProc, read, TSTR("reading from swap file failed"));
+}
+
+/// Serves a page that was read before it was asked for, or reads a run of pages from it on where it follows one. False if the page
+/// has to be read by itself, as it has to where the run fails.
+bool VMem::TakeReadAhead(std::int32_t addr, unsigned char* data) {
+  if (readAhead == nullptr) readAhead = new (std::nothrow) vmem::ReadAhead;
+  if (readAhead == nullptr) return false;
+  if (readAhead->Take(addr, data)) return true;
+  const vmem::ReadAhead::Stretch stretch = readAhead->Miss(addr, fileLen);
+  unsigned char* room = stretch.pages > 1 ? readAhead->Room() : nullptr;
+  if (room == nullptr) return false;
+  std::uint32_t done = 0;
+  const auto wanted = static_cast<std::uint32_t>(stretch.pages * kPageSize);
+  if (!host::ReadFile(swapFile, room, wanted, &done, PlaceOf(stretch.begin)) || done != wanted) return false;
+  readAhead->Hold(stretch);
+  return readAhead->Take(addr, data);
 }
 
 bool VMem::SeekInSwapFile(std::int32_t addr, const TChar* proc) {
@@ -142,5 +166,7 @@ void VMem::CloseSwapFile() {
   swapFile = INVALID_HANDLE_VALUE;
   delete[] swapFileName;
   swapFileName = nullptr;
+  delete readAhead;
+  readAhead = nullptr;
   fileLen = 0;
 }

@@ -33,6 +33,9 @@ inline void VMem::SetValue(std::int32_t addr, const Value& value) {
 }
 
 // ---- Blocks ----
+//
+// Pages are copied by memmove, which is a call: a memcpy whose bound the compiler sees becomes a string instruction, which takes half
+// as long again for a page.
 
 bool VMem::IsAccess(std::int32_t addr, const void* buf, std::int32_t len, const TChar* proc) const {
   const auto require = [&](bool holds, const TChar* message) {
@@ -58,7 +61,7 @@ bool VMem::GetBlock(std::int32_t addr, void* buf, std::int32_t len) {
     const CacheDesc* p = Page(page);
     if (p == nullptr) return false;
     const std::int32_t part = std::min(left, kPageSize - offset);
-    std::memcpy(bytes, p->data + offset, static_cast<std::size_t>(part));
+    std::memmove(bytes, p->data + offset, static_cast<std::size_t>(part));
     bytes += part;
     left -= part;
   }
@@ -70,16 +73,18 @@ bool VMem::SetBlock(std::int32_t addr, const void* buf, std::int32_t len) {
   return IsAccess(addr, buf, len, TSTR("Set")) && Store(addr, buf, len);
 }
 
+bool VMem::IsAtHand(std::int32_t addr) const { return HashedPage(addr - vmem::OffsetInPage(addr)) != nullptr; }
+
 /// Copies bytes to an address that need not lie inside the space.
 bool VMem::Store(std::int32_t addr, const void* buf, std::int32_t len) {
   const auto* bytes = static_cast<const unsigned char*>(buf);
   std::int32_t left = len;
   std::int32_t offset = vmem::OffsetInPage(addr);
   for (std::int32_t page = addr - offset; left > 0; page = hsys::WrapAdd(page, kPageSize), offset = 0) {
-    CacheDesc* p = Page(page);
-    if (p == nullptr) return false;
     const std::int32_t part = std::min(left, kPageSize - offset);
-    std::memcpy(p->data + offset, bytes, static_cast<std::size_t>(part));
+    CacheDesc* p = part == kPageSize ? PageToOverwrite(page) : Page(page);
+    if (p == nullptr) return false;
+    std::memmove(p->data + offset, bytes, static_cast<std::size_t>(part));
     p->dirty = true;
     bytes += part;
     left -= part;

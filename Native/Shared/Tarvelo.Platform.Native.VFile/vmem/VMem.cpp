@@ -1,13 +1,14 @@
 #include "vmem/VMem.h"
 
 #include <algorithm>
-#include <iterator>
+#include <memory>
 #include <new>
 
 #include "host/Host.h"
 #include "hsys/CopyUnits.h"
 #include "hsys/Require.h"
 #include "vmem/PageLayout.h"
+#include "vmem/PageTable.h"
 
 namespace {
 
@@ -26,21 +27,35 @@ VMem::VMem() {
   ownerThread = host::GetCurrentThreadId();
   spareDesc = nullptr;
   cacheHead = nullptr;
-  std::fill(std::begin(hashTable), std::end(hashTable), nullptr);
+  hashTable = nullptr;
   cacheCount = 0;
   maxAddress = 0;
   fileLen = 0;
   ResetLists();
   cacheTail = nullptr;
-  std::fill(std::begin(residueHead), std::end(residueHead), nullptr);
+  residueHead = nullptr;
+  pageTable = nullptr;
+  readAhead = nullptr;
+  // Should the descriptor be refused by a halt that throws, the tables go back.
+  std::unique_ptr<vmem::PageTable, void (*)(vmem::PageTable*)> table(vmem::TakePageTable(), vmem::GivePageTable);
+  if (!hsys::Require(TSTR("VMem"), TSTR("NewCachePtr"), table != nullptr, TSTR("p==NIL"))) {
+    ownerThread = 0;
+    return;
+  }
   NewCachePtr(spareDesc);
   if (spareDesc != nullptr) *spareDesc = CacheDesc{};
+  static_assert(vmem::PageTable::kSize == kHashSize);
+  pageTable = table.release();
+  hashTable = pageTable->named;
+  residueHead = pageTable->residues;
   SetMaxCacheSize(kDefaultCacheSize);
 }
 
 VMem::~VMem() noexcept(false) {
-  if (!OnOwnerThread()) return;
+  if (pageTable == nullptr || !OnOwnerThread()) return;
   DeallocAll();
+  vmem::GivePageTable(pageTable);
+  pageTable = nullptr;
   delete[] tempDir;
   tempDir = nullptr;
   ownerThread = 0;

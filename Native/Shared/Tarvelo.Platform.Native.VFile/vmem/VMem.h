@@ -45,9 +45,15 @@ struct CacheDesc {
   CacheDesc* sibling;                    ///< Next cached page that shares its entry of the hash table, or null.
 };
 
+namespace vmem {
+class ReadAhead;
+struct PageTable;
+}  // namespace vmem
+
 class VFILE_API VMem {
  public:
-  /// An empty space with a cache of 70 kilobytes and no swap file. Halts if the heap is exhausted.
+  /// An empty space with a cache of 70 kilobytes and no swap file. Halts if the heap is exhausted; behind a halt that returned, so do
+  /// all operations.
   VMem();
   /// `DeallocAll`, with its thread check: it may halt, and so may throw where the installed halt procedure does.
   ~VMem() noexcept(false);
@@ -171,6 +177,9 @@ class VFILE_API VMem {
   bool SetBlock(std::int32_t addr, const void* buf, std::int32_t len);
   bool CopyBlock(std::int32_t dst, std::int32_t src, std::int32_t len);
 
+  /// Whether the page at `addr` is cached so that a transfer finds it at once. Touches nothing.
+  bool IsAtHand(std::int32_t addr) const;
+
   /// @}
 
  protected:
@@ -215,7 +224,7 @@ class VFILE_API VMem {
   std::uint32_t ownerThread;           ///< id of the constructing thread; 0 after the destructor
   CacheDesc* spareDesc;                ///< owned; allocated in advance, in the list only as its first page
   CacheDesc* cacheHead;                ///< owns the list
-  CacheDesc* hashTable[kHashSize];     ///< see K2
+  CacheDesc** hashTable;               ///< `kHashSize` entries, see K2; part of `pageTable`
   std::int16_t cacheCount;             ///< cached pages
   std::int16_t cacheLimit;             ///< pages that the cache may hold; one is held even if it is 0
   std::int16_t maxCacheSize;           ///< the bound as set, in kilobytes
@@ -228,7 +237,9 @@ class VFILE_API VMem {
   std::int32_t freePageHead;           ///< first free page, or -1
   std::int32_t freePageCount;          ///< free pages
   CacheDesc* cacheTail;                ///< the next victim
-  CacheDesc* residueHead[kHashSize];   ///< see K3
+  CacheDesc** residueHead;             ///< `kHashSize` entries, see K3; part of `pageTable`
+  vmem::PageTable* pageTable;          ///< owned
+  vmem::ReadAhead* readAhead;          ///< owned; made with the first read of the swap file
 
  private:
   struct FreeBlock;
@@ -237,12 +248,15 @@ class VFILE_API VMem {
 
   // PageCache.cpp: the list and the hash table.
   CacheDesc* Page(std::int32_t addr);
-  CacheDesc* HashedPage(std::int32_t addr);
+  CacheDesc* HashedPage(std::int32_t addr) const;
   CacheDesc* FindPage(std::int32_t addr);
-  CacheDesc* LoadPage(std::int32_t addr);
+  CacheDesc* PageToOverwrite(std::int32_t addr);
+  CacheDesc* CachedPage(std::int32_t addr) const;
+  CacheDesc* UseCached(CacheDesc* p);
+  CacheDesc* LoadPage(std::int32_t addr, bool read);
   CacheDesc* TakeDescriptor();
   CacheDesc* Victim() const;
-  bool FillPage(CacheDesc* p, std::int32_t addr);
+  bool FillPage(CacheDesc* p);
   void LinkHead(CacheDesc* p);
   void Unlink(CacheDesc* p);
   void NewCachePtr(CacheDesc*& p);
@@ -252,10 +266,11 @@ class VFILE_API VMem {
   void DropCache();
 
   // SwapFile.cpp
-  bool FlushCachePtr(CacheDesc* p);
+  bool FlushCachePtr(CacheDesc* p, bool flushingAll);
   bool SeekInSwapFile(std::int32_t addr, const TChar* proc);
   bool ReadFromSwapFile(std::int32_t addr, unsigned char* data);
-  bool ExtendFile(std::int32_t newLen);
+  bool TakeReadAhead(std::int32_t addr, unsigned char* data);
+  bool ExtendFile(std::int32_t newLen, bool flushingAll);
   bool WriteToSwapFile(std::int32_t addr, const unsigned char* data, std::int32_t count, const TChar* proc);
   void CloseSwapFile();
 

@@ -1,0 +1,3 @@
+#include "Pictures.h"
+
+void DrawPictures(const std::string&, const std::string&, bool, const std::function<void(const std::string&)>&) {}
