@@ -28,31 +28,21 @@ struct Walks : support::InDirectory {
   }
 };
 
-TEST_F(Walks, PatternsMatchWholeNamesInOrder) {
-  for (const char* name :
-       {"a", "ab.txt", "abc.txt", "aXbXc", ".hid", "B.TXT", "x*y", "two.t.x", "_", "\xC3\xA4\xF0\x9F\x98\x80"}) {
-    Put(name, "");
-  }
+TEST_F(Walks, GoWhereThePathOfThePatternLeads) {
+  Put("a", "");
+  Put("B.TXT", "");
+  Put("x*y", "");
   std::filesystem::create_directory(Path("dir"));
-  const std::string all = ".hid,B.TXT,_,a,aXbXc,ab.txt,abc.txt,dir,two.t.x,x*y,\xC3\xA4\xF0\x9F\x98\x80,";
-  // clang-format off
-  const std::pair<const char*, std::string> rows[] = {
-      {"*.txt", "ab.txt,abc.txt,"}, {"*.TXT", "B.TXT,"}, {"a?c.*", "abc.txt,"}, {"a*", "a,aXbXc,ab.txt,abc.txt,"},
-      {"a*b*c", "aXbXc,"}, {"*a*b*c*", "aXbXc,abc.txt,"}, {"?X*", "aXbXc,"}, {"???*x", "two.t.x,"}, {".h*", ".hid,"},
-      {"\xC3\xA4?", "\xC3\xA4\xF0\x9F\x98\x80,"}, {"*.t.*", "two.t.x,"}, {"a??", ""}, {"dir", "dir,"},
-      {"x*y", "x*y,"}, {"*?y", "x*y,"}, {"none*", ""}, {"dir\\*z", ""}, {"none/*", ""}, {"a/*", ""}, {"d*r/*", ""},
-      {"dir/", ""}, {"*.h?d", ".hid,"}};
-  // clang-format on
+  const std::pair<const char*, std::string> rows[] = {{"dir/../*.T?T", "B.TXT,"},
+                                                      {"dir/..\\?*y", "x*y,"},
+                                                      {"dir", "dir,"},
+                                                      {"dir\\*z", ""},
+                                                      {"none/*", ""},
+                                                      {"a/*", ""},
+                                                      {"d*r/*", ""},
+                                                      {"dir/", ""},
+                                                      {"*.txt", ""}};
   for (const auto& [pattern, names] : rows) EXPECT_EQ(Matching(pattern), names) << pattern;
-  // "." and ".." come out as the directory and its parent.
-  for (const char* every : {"*", "*.*", "**", "dir/../*.*"}) {
-    HFileDir dir(Name(every).c_str());
-    TChar name[261];
-    std::string names;
-    while (dir.FindNext(name, 261)) names += std::filesystem::path(name).filename().string() + ",";
-    const std::string own = Directory().filename().string(), parent = Directory().parent_path().filename().string();
-    EXPECT_EQ(names, own + "," + parent + "," + all) << every;
-  }
   host::_wfinddata64i32_t record;
   for (const TChar* bad : {TSTR(""), static_cast<const TChar*>(nullptr)})
     EXPECT_EQ(host::_wfindfirst64i32(bad, &record), -1);

@@ -66,6 +66,40 @@ TEST_F(TextFiles, AreAsByADecoderOfTheirOwn) {
   }
 }
 
+// Texts that are converted piece by piece: every byte of what matters comes to lie at every border of a piece or a block.
+TEST_F(TextFiles, AreTheSameWhereverAPieceEnds) {
+  const std::string characters = Hex<std::string>(
+      "C3 A4 E2 82 AC F0 9F 98 80 D A 41 D EF BB BF E2 82 F0 9F 98 41 C3 E2 80 C0 AF ED A0 80 ED B0 80 F4 8F BF BF F4 "
+      "90 80 "
+      "80 F0 80 E0 9F BF C3 A4 80 80 F5 A C3 A9");
+  const TString units = {0xE9,   0x20AC, 0xD83D, 0xDE00, 0xD83D, 0xD83D, 0xDE00, 0xDE00, 'a',    0xDBFF,
+                         0xDFFF, 0xD800, 13,     10,     0xFEFF, 0xDC00, 0x7FF,  0x800,  0xFFFF, 13};
+  const auto check = [&](const std::string& bytes, int form, bool inSmallBlocks) {
+    EXPECT_NO_THROW(fuzz::CheckForm(Path("text"), bytes, form, form % 2 == 0, inSmallBlocks))
+        << testing::PrintToString(bytes.substr(0, 3)) << " of " << bytes.size() << " bytes in form " << form;
+  };
+  for (const std::size_t border : {512u, 1024u, 2048u, 4096u}) {
+    for (std::size_t i = 0; i <= characters.size() + 4 && !HasFailure(); ++i) {
+      const std::string text = std::string(border - i, 'a') + characters;
+      const bool small = border == 1024 && i % 3 == 0;
+      check(text, static_cast<int>(i % 4), small);
+      check(kMarks[3] + text + "\xC3", static_cast<int>(i / 4 % 4), small);
+      check(text + std::string("\0\xC3", 2) + text, TCharVFile::encUtf8, false);
+      check(text.substr(0, border + 1), kAnsi, false);
+    }
+    for (std::size_t i = 0; i <= units.size() + 1 && !HasFailure(); ++i) {
+      const TString text = TString(border / 2 - i, u'a') + units + TChar{0} + units;
+      std::string swapped = support::Bytes(text);
+      for (std::size_t at = 0; at < swapped.size(); at += 2) std::swap(swapped[at], swapped[at + 1]);
+      for (const int form : {0, 1, 2, 3}) {
+        check(kMarks[1] + support::Bytes(text) + "x", form, false);
+        check(kMarks[1] + support::Bytes(text), form, border == 1024);
+        check(kMarks[2] + swapped + "x", form, border == 2048);
+      }
+    }
+  }
+}
+
 TEST_F(TextFiles, FailToLoadAsTheirStepsDo) {
   Put("file", "new");
   const TString file = Name("file");
@@ -168,11 +202,21 @@ TEST_F(TextFiles, AreSavedAsFarAsTheDiskTakesThem) {
 TEST_F(TextFiles, AreInTheCodePageOfTheEnvironment) {
   const TString other = {'a', 0, 0x20AC, 0x4E00, 0xD83D, 0xDE00, 0xD83D, 0xE9};
   const char* utf8 = "61 0 E2 82 AC E4 B8 80 F0 9F 98 80 3F C3 A9";
+  // Longer than a piece, in one shift state and in the next.
+  std::string shifted = "1B 24 42";
+  std::string shiftedUnits;
+  for (int i = 0; i < 800; ++i) {
+    shifted += " 24 22";
+    shiftedUnits += " 3042";
+  }
   const struct {
-    const char *all, *ctype, *lang, *bytes, *units, *saved;
+    const char *all, *ctype, *lang;
+    std::string bytes, units, saved;
   } rows[] = {{"de_DE.CP1252", "", "", "80 81 E9", "20AC FFFD E9", "61 0 80 3F 3F 3F E9"},
               {"", "x.ISO-8859-1@euro", "x.UTF-8", "80 81 E9", "80 81 E9", "61 0 3F 3F 3F 3F E9"},
-              {"", "", "ja_JP.SJIS", "82 A0 82 20 88 EA", "3042 FFFD 20 4E00", "61 0 3F 88 EA 3F 3F 3F"},
+              {"", "", "ja_JP.SJIS", "82 A0 82 20 88 EA 41", "3042 FFFD 20 4E00 41", "61 0 3F 88 EA 3F 3F 3F"},
+              {"x.ISO-2022-JP", "", "", shifted + " 1B 28 42 41", shiftedUnits + " 41",
+               "61 0 3F 1B 24 42 30 6C 1B 28 42 3F 3F 3F"},
               {"C", "", "x.CP1252", "E9 C3 A9", "FFFD E9", utf8},
               {"", "x.unknown", "x.CP1252", "E9 C3 A9", "FFFD E9", utf8},
               {nullptr, nullptr, nullptr, "E9 C3 A9", "FFFD E9", utf8}};
@@ -197,6 +241,7 @@ TEST_F(TextFiles, AreInTheCodePageOfTheEnvironment) {
       loaded.LoadText(Name("loaded"), FILE_SHARE_READ);
       EXPECT_TRUE(loaded.ToString() == units);
       EXPECT_TRUE(Save(text, kAnsi) == saved);
+      EXPECT_TRUE(row.units.find("FFFD") != std::string::npos || Save(loaded, kAnsi) == bytes);
       std::filesystem::remove_all(Directory());
       _exit(HasFailure() ? 1 : 0);
     };

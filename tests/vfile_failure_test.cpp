@@ -5,9 +5,10 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "support/Chains.h"
 #include "support/Disk.h"
+#include "support/Files.h"
 #include "support/Halts.h"
+#include "support/Texts.h"
 
 using support::Bytes, support::Chain, support::FailingDisk, support::I32, support::Lengths, support::Pattern,
     support::Peek, support::Pipe, support::Size;
@@ -171,6 +172,98 @@ TEST(Halts, ReadsEndWhereAPageIsRefused) {
   close(ends[0]);
   close(ends[1]);
   VFile::SetMaxCacheSize(70);
+}
+
+// ---- A halt whose procedure repairs the disk and returns ----
+
+/// Runs an operation, which gives its result and its outcome, on a disk that fails from each transfer on until a halt repairs it. That
+/// a step was refused is told in the result, or the outcome is right.
+void ExpectRightOrTold(const std::function<std::pair<I32, std::string>()>& run) {
+  const auto [done, right] = run();
+  ASSERT_EQ(done, resDone);
+  for (int k = 1, failed = true; failed; ++k) {
+    VFile::SetMaxCacheSize(0);
+    InstallHaltProc([](const TChar*) {
+      FailingDisk::Repair();
+      VFile::SetMaxCacheSize(70);
+    });
+    const FailingDisk disk(k);
+    const auto [res, outcome] = run();
+    failed = FailingDisk::HasFailed();
+    DeinstallHaltProc();
+    EXPECT_TRUE(res != resDone || outcome == right) << "transfer " << k << ": " << outcome << " instead of " << right;
+  }
+  VFile::SetMaxCacheSize(70);
+}
+
+/// A CR LF, words and lines that the borders of its blocks cut.
+struct CutUp : Chain {
+  CutUp()
+      : Chain({1024, 1024, 900, 507}, std::string(1023, 'x') + "\r\nconcat cat" + std::string(1009, 'y') +
+                                          " cats (cat)\n" + std::string(892, 'z') + "cat\n" + std::string(500, ' ') +
+                                          "end") {}
+};
+
+TEST(RepairedHalts, AreToldByOperationsOfManySteps) {
+  char bytes[9] = {};
+  I32 at = 0;
+  I32 size = 0;
+  I32 eol = 0;
+  // clang-format off
+  const std::function<I32(CutUp&)> reads[] = {
+      DO(f.SetPos(1023); return f.Read(bytes[0])), DO(f.SetPos(1021); return f.ReadLine(bytes, 9)),
+      DO(return f.LineStart(1024)), DO(return f.LineStart(2500)), DO(return f.LineEnd(500, true)),
+      DO(f.LineSize(1500, at, size, eol); EXPECT_TRUE(f.res == resDone || (at == 7 && size == 7 && eol == 7)); return 0),
+      DO(return f.LineIndent(3200)), DO(at = 0; return f.Find(at, "cat", false, true)),
+      DO(at = MaxLen; return f.FindBack(at, "cat", false, true))};
+  // clang-format on
+  for (const auto& read : reads) {
+    SCOPED_TRACE(&read - reads);
+    CutUp file;
+    ExpectRightOrTold([&] {
+      VFile::ReleaseCache();
+      file.SetPos(0);
+      at = size = eol = 7;
+      const I32 got = read(file);
+      const auto outcome = testing::PrintToString(std::tuple(got, file.pos, at, size, eol, bytes));
+      return std::pair(file.res, outcome);
+    });
+  }
+  ExpectRightOrTold([] {
+    CutUp file;
+    // What was refused before is no matter here.
+    if (file.res == resDone) file.ReplaceGlobal("cat", "dog", false, true);
+    FailingDisk::Repair();
+    return std::pair(file.res, Bytes(file));
+  });
+}
+
+using RepairedTexts = support::InDirectory;
+
+TEST_F(RepairedTexts, AreLoadedAndSavedRightOrTold) {
+  const TString name = Name("text");
+  TString units;
+  for (int i = 0; i < 3000; ++i) units += static_cast<TChar>(i % 60 == 59 ? 0x20AC : 'a' + i % 26);
+  for (const TCharVFile::Encoding form : {TCharVFile::encUtf16, TCharVFile::encUtf16BE, TCharVFile::encUtf8}) {
+    SCOPED_TRACE(form);
+    TCharVFile original;
+    original = units;
+    const auto save = [&] {
+      original.Reset();
+      original.ReplaceTChar(1400, units[1400]);
+      original.SaveText(name, true, form, true);
+      return std::pair(original.res, Content("text"));
+    };
+    save();
+    ExpectRightOrTold([&] {
+      TCharVFile text;
+      text.LoadText(name, FILE_SHARE_READ);
+      const I32 res = text.res;
+      FailingDisk::Repair();
+      return std::pair(res, support::Bytes(text.ToString()));
+    });
+    ExpectRightOrTold(save);
+  }
 }
 
 // ---- Room ----

@@ -1,11 +1,10 @@
-#include <cstdio>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <random>
 #include <vector>
 
 #include "fuzz/Machine.h"
 #include "support/Halts.h"
+#include "support/Seed.h"
 
 namespace {
 
@@ -25,11 +24,15 @@ struct Writer {
     std::ostringstream line;
     line << operation << ' ' << file << ' ';
     if (fuzz::Machine::IsOneOf("bchpqt", operation)) {
-      const int count = Below(Below(3) == 0 ? 3000 : 20);
+      const int count = Below(Below(3) == 0 ? most : 20);
       const std::string counts[] = {"-1", "max", std::to_string(count + 1), "0"};
-      const std::string del = Below(5) == 0 ? "same" : Place(Below(3) == 0 ? length : std::min(length, 9));
+      const std::string some =
+          most < 3000 ? std::to_string(Below(most)) : Place(Below(3) == 0 ? length : std::min(length, 9));
+      const std::string del = Below(5) == 0 ? "same" : some;
       line << Place(length) << ' ' << del << ' ' << (Below(9) == 0 ? counts[Below(4)] : std::to_string(count)) << ' ';
       line << (operation == 't' ? Below(3) : count) << ' ' << Place(length);
+    } else if (operation == 'v') {
+      line << Place(length) << ' ' << Below(8) << ' ' << Below(length + 1) << ' ' << Below(60) << ' ' << Below(60);
     } else {
       line << (Below(3) == 0 ? std::to_string(Below(9) - 1) : Place(length)) << ' ' << Below(Below(4) == 0 ? 4000 : 8);
     }
@@ -37,24 +40,58 @@ struct Writer {
     return line.str();
   }
 
-  std::mt19937 random;
+  std::mt19937 random{support::Seed()};
+  int most = 3000;  // bytes that go in or out, but for all that there are
 };
 
-TEST(Model, FilesAreStringsUnderAllOperations) {
-  const std::string operations = "bbbcchhppqqtttttssrrxxnnwiiieffgllkdmmouu=";
-  const char* given = std::getenv("VFILE_SEED");
-  const auto seed = given != nullptr ? static_cast<unsigned>(std::atoll(given)) : std::random_device()();
-  std::fprintf(stderr, "VFILE_SEED=%u\n", seed);
+/// Runs lines of these operations; each begins with a move if `moves`.
+void Drive(fuzz::Machine& machine, Writer& writer, const std::string& operations, int steps, bool moves) {
   const support::ThrowHalts throwing;
-  Writer writer{std::mt19937(seed)};
-  fuzz::Machine machine;
-  for (int step = 0; step < 20000 && !HasFailure(); ++step) {
+  for (int step = 0; step < steps && !testing::Test::HasFailure(); ++step) {
     const int file = writer.Below(3);
-    const std::string line = writer.Line(operations[fuzz::Size(writer.Below(fuzz::Count(operations.size())))], file,
-                                         machine.pairs[file].Length());
+    const int length = machine.pairs[file].Length();
+    const char operation = operations[fuzz::Size(writer.Below(fuzz::Count(operations.size())))];
+    const std::string line = writer.Line(operation, file, length);
+    const std::string move = "s " + std::to_string(file) + ' ' + std::to_string(writer.Below(length + 1));
+    if (moves) machine.Step(move);
     EXPECT_NO_THROW(machine.Step(line)) << "step " << step << ": " << line;
     // A failure stands for a step or two.
     if (machine.pair->res != resDone && writer.Below(2) == 0) machine.Rewind();
+  }
+}
+
+TEST(Model, FilesAreStringsUnderAllOperations) {
+  Writer writer;
+  fuzz::Machine machine;
+  Drive(machine, writer, "bbbcchhpqqtttttssrrxxnnwiiieffvvgllkdmmouu=", 20000, false);
+  VFile::SetMaxCacheSize(70);
+}
+
+// The index comes with the first far move in 192 blocks and goes with those below 96.
+TEST(Model, FilesOfManyBlocksAreStringsToo) {
+  VFile::SetMaxCacheSize(30000);
+  Writer writer;
+  writer.most = 60;
+  fuzz::Machine machine;
+  machine.most = 200000;
+  const fuzz::Pair& pair = machine.pairs[0];
+  const auto step = [&](const std::string& line) { machine.Step(line); };
+  for (const int blocks : {20000, 99, 103, 300, 106, 700, 2000, 120}) {
+    for (int left = blocks; left > 0; left -= 1000) step("y 0 " + std::to_string(std::min(left, 1000)) + " ab");
+    step("s 0 0 0");
+    step("s 0 " + std::to_string(pair.Length() / 2) + " 0");
+    EXPECT_EQ(pair.file.index != nullptr, pair.file.blockCount >= 192) << pair.file.blockCount;
+    Drive(machine, writer, "bbbbhpqttttrxnweivlu=y", 200, true);
+    step("s 0 0 0");
+    step("b 0 0 " + std::to_string(pair.Length() / 3 * 2));
+    while (pair.file.blockCount > 99) {
+      const int del = pair.Length() / (3 + writer.Below(30)) + 1;
+      step("b 0 " + std::to_string(writer.Below(pair.Length() - del + 1)) + " " + std::to_string(del));
+    }
+    Drive(machine, writer, "bbnp", 60, true);
+    step("s 0 0 0");
+    while (pair.file.blockCount >= 96) step("b 0 0 1");
+    EXPECT_EQ(pair.file.index, nullptr);
   }
   VFile::SetMaxCacheSize(70);
 }

@@ -142,27 +142,48 @@ TEST_P(CacheModelTest, HoldsAndEvictsAsTheModel) {
   Start(GetParam());
   CacheModel model{static_cast<std::size_t>(GetParam())};
   std::string space(static_cast<std::size_t>(vm.maxAddress), '\0');
+  const auto read = [&](std::int32_t addr, std::int32_t len) {
+    model.Access(addr, len, false);
+    return vm.Read(addr, len) == space.substr(static_cast<std::size_t>(addr), static_cast<std::size_t>(len));
+  };
+  const auto write = [&](std::int32_t addr, std::int32_t len) {
+    const std::string content = Pattern(len, random());
+    model.Access(addr, len, true);
+    vm.Write(addr, content);
+    space.replace(static_cast<std::size_t>(addr), content.size(), content);
+  };
   for (int step = 0; step < 1500 && !HasFailure(); ++step) {
     const auto address = [&] { return (below(3) * kAlias + below(7)) * 1024 + (below(3) > 0 ? below(1024) : 0); };
     const std::int32_t lengths[] = {below(8), below(8), below(3000), 1023 + below(3)};
     const std::int32_t addr = address();
     const std::int32_t len = lengths[below(4)];
-    const auto at = static_cast<std::size_t>(addr);
-    const auto count = static_cast<std::size_t>(len);
     const int verb = below(100);
-    if (verb < 45) {
-      ASSERT_EQ(vm.Read(addr, len), space.substr(at, count)) << step;
-      model.Access(addr, len, false);
-    } else if (verb < 90) {
-      const std::string content = Pattern(len, static_cast<std::uint32_t>(step));
-      vm.Write(addr, content);
-      space.replace(at, count, content);
-      model.Access(addr, len, true);
+    if (verb < 40) {
+      ASSERT_TRUE(read(addr, len)) << step;
+    } else if (verb < 80) {
+      write(addr, len);
+    } else if (verb < 88) {
+      // A rising run, with changes of what it comes to next, of what it has passed, and of what lies elsewhere.
+      std::int32_t page = addr / 1024 * 1024;
+      for (int left = below(40); left > 0; --left, page += 1024) {
+        if (below(3) == 0) write(page + below(5) * 1024, below(2) == 0 ? 1024 : below(1500));
+        if (below(9) == 0) write(address(), 1 + below(2000));
+        if (below(9) == 0) page = std::max(page - 1024 * below(9), 0);
+        ASSERT_TRUE(read(page, 1024)) << step;
+      }
+    } else if (verb < 92) {
+      vm.FlushCache();
+      for (auto& page : model.cached) page.dirty = false;
     } else if (verb < 96) {
       const std::int32_t dst = below(2) > 0 ? address() : addr + below(1500);
       vm.CopyBytes(dst, addr, static_cast<std::int16_t>(len));
-      std::memmove(&space[static_cast<std::size_t>(dst)], &space[at], count);
+      std::memmove(&space[static_cast<std::size_t>(dst)], &space[static_cast<std::size_t>(addr)],
+                   static_cast<std::size_t>(len));
       vm.ReleaseCache();
+      model.cached.clear();
+    } else if (below(30) == 0) {
+      Start(GetParam());
+      space.assign(space.size(), '\0');
       model.cached.clear();
     } else {
       const int limit = below(GetParam() + 1);

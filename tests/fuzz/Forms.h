@@ -4,6 +4,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <utility>
 #include <vector>
 
@@ -88,14 +89,21 @@ inline std::string CheckLoad(support::TextPeek& text, const TString& file, const
   return form == TCharVFile::encUtf16 ? rest : support::Bytes(units);
 }
 
-/// Loads the bytes, saves them in a form, and loads that. A number that is none stands for the ANSI form.
-inline void CheckForm(const std::filesystem::path& path, const std::string& bytes, int number, bool withMark) {
+/// Loads the bytes, saves them in a form, from blocks of 1 to 9 bytes if `inSmallBlocks`, and loads that. A number that is none stands
+/// for the ANSI form.
+inline void CheckForm(const std::filesystem::path& path, const std::string& bytes, int number, bool withMark,
+                      bool inSmallBlocks = false) {
   const TString name = path.u16string();
   const int form = number >= 0 && number < 4 ? number : TCharVFile::encAnsi;
   std::ofstream(path, std::ios::binary) << bytes;
   support::TextPeek text;
   const std::string content = CheckLoad(text, name, bytes);
   const TString units = FromUtf16(content, 1);
+  if (inSmallBlocks) {
+    std::minstd_rand random(static_cast<unsigned>(content.size()));
+    text = TSTR("");
+    support::FillInSmallBlocks(text, content, random);
+  }
   text.SaveText(name, true, static_cast<TCharVFile::Encoding>(number), withMark);
   std::ifstream file(path, std::ios::binary);
   const std::string saved(std::istreambuf_iterator<char>(file), {});

@@ -12,8 +12,10 @@
 ///     r COUNT, x AT COUNT, e SIZE   ReadBytes, ReadTxt, ReadLine; n, w: the next and the previous byte, i: the next
 ///                                   of a text
 ///     f FROM HOW TEXT               Find; HOW is a sum: 1 backward, 2 any case, 4 whole words
+///     v FROM HOW AT COUNT PLACE     Find of what stands at AT, with an "a" in place of its byte PLACE
 ///     g 0 HOW TEXT TEXT             ReplaceGlobal
 ///     l AT                          all that there is about the line at AT
+///     y COUNT TEXT                  as many blocks of 1 to 9 bytes at the end
 ///     d COUNT                       PreChange refuses the change after COUNT others; k 1: read-only
 ///     = OTHER                       comparison
 ///     m SIZE                        SetMaxCacheSize, 0 to 3 or, for some numbers, 70; o: ReleaseCache; u: Flush
@@ -24,12 +26,15 @@
 
 #include "fuzz/Fuzz.h"
 #include "support/Texts.h"
+#include "vfile/PositionIndex.h"
 
 namespace fuzz {
 
 using support::Count, support::I32, support::Size;
 
 struct Guarded : support::Peek {
+  using VFile::blockCount, VFile::index;
+
   std::int32_t PreChange(std::int32_t, std::int32_t, std::int32_t) const override {
     return allowed-- == 0 ? resNotSupported : resDone;
   }
@@ -62,6 +67,10 @@ struct Pair {
     Check(file.GetPos() == pos && file.res == res && file.eof == eof);
     Check(file.Length() == Length() && file.Bof() == (pos == 0) && file.Eof() == (pos == Length()));
     Check(support::Bytes(file) == bytes);
+    I32 before = 0;
+    for (const BlkDesc* p = file.first; p != file.cur.ptr; p = p->next) before += p->len;
+    Check(file.cur.base == before && before + file.cur.ix == pos);
+    Check(file.index == nullptr || file.index->BrokenRule(file.first, file.cur.ptr) == nullptr);
     file.CheckInvariants();
   }
 
@@ -98,7 +107,7 @@ struct Machine {
     newText = Text(word).substr(0, 8);
     Run(operation);
     pair->Compare();
-    if (pair->Length() > 9000) Empty();
+    if (pair->Length() > most) Empty();
   }
 
   Pair& Nth(I32 number) { return pairs[(number & 1) != 0 ? 1 : number & 2]; }
@@ -126,6 +135,8 @@ struct Machine {
     if (operation == 'i') ReadText();
     if (operation == 's') SetPos(number, std::min(numbers[1] & 0xFF, 3));
     if (operation == 'f') Find(number);
+    if (operation == 'v') FindAlmost(numbers[2], numbers[3] % 60, Size(numbers[4]));
+    if (operation == 'y') AppendBlocks(number % 2000);
     if (operation == 'g') ReplaceGlobal();
     if (operation == 'l') Lines(number);
     if (operation == 'd') pair->allowed = pair->file.allowed = std::max(number, -1);
@@ -187,6 +198,15 @@ struct Machine {
       pair->file.ReplaceFile(at, del, handle, count);
     } else {
       pair->file.ReplaceFile(at, del, file, count);
+    }
+  }
+
+  void AppendBlocks(I32 count) {
+    for (; count > 0; --count) {
+      numbers[0] = pair->Length();
+      numbers[1] = 0;
+      numbers[2] = numbers[3] = 1 + count % 9;
+      Change('p');
     }
   }
 
@@ -301,6 +321,13 @@ struct Machine {
     pair->Move(back ? at - 1 : at + 1, ranOut);
   }
 
+  void FindAlmost(I32 at, I32 count, std::size_t place) {
+    text = pair->Part(std::max(at, 0), std::max(count, 0));
+    if (place < text.size()) text[place] = 'a';
+    text = text.c_str();
+    Find(numbers[0]);
+  }
+
   void ReplaceGlobal() {
     const bool ignoreCase = (numbers[1] & 2) != 0, wholeWord = (numbers[1] & 4) != 0;
     const I32 count = pair->file.ReplaceGlobal(text.c_str(), newText.c_str(), ignoreCase, wholeWord);
@@ -336,6 +363,7 @@ struct Machine {
   Pair pairs[3];
   Pair* pair = pairs;
   I32 numbers[5];
+  I32 most = 9000;  // bytes of a file, which is emptied above
   std::string text, newText;
 };
 

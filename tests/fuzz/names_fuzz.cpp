@@ -52,6 +52,13 @@ void CheckParts(const TString& path, std::uint32_t size) {
   for (std::size_t i = 0; i < 4; ++i) Check(parts[i] == (fits ? expected[i] : TString()));
   HFile::BuildName(again, kSize, parts[0], parts[1], parts[2], parts[3]);
   Check(again == (fits && path.size() < kSize ? path : TString()));
+  const bool someFit = expected[1].size() < size && expected[3].size() < size;
+  HFile::SplitName(nullptr, 0, parts[1], size, nullptr, 0, parts[3], size, path.c_str());
+  for (const std::size_t i : {1u, 3u}) Check(parts[i] == (someFit ? expected[i] : TString()));
+  const bool isKnown = std::ranges::all_of(expected, [](const TString& part) { return part.size() < kSize; });
+  HFile::SplitName(parts[0], size, parts[1], size, path.c_str());
+  Check(parts[0] == (isKnown ? path.substr(0, std::min<std::size_t>(name, size - 1)) : TString()));
+  Check(parts[1] == (isKnown ? path.substr(name, size - 1) : TString()));
 }
 
 void CheckFullName(const TString& name) {
@@ -129,12 +136,11 @@ TString NextBackup(const TString& ext) {
   return begin + digits + ext.substr(std::min(tilde + 1 + digits.size(), ext.size()));
 }
 
-void CheckBackups(const TString& path) {
-  TString ext = path.substr(std::min(path.find_last_of('.'), path.size()));
+void CheckBackups(TString ext) {
   // The series of digits of other scripts is not told.
   if (std::ranges::any_of(ext, [](TChar unit) { return unit > 127; })) return;
   for (bool more = true; more;) {
-    TString buffer = ext + TString(3, 0);
+    TString buffer = ext + TChar{0} + TSTR("##");
     more = HFile::GetNextBackupExt(buffer.data(), static_cast<std::uint32_t>(buffer.size()));
     const TString next = NextBackup(ext);
     Check(buffer.c_str() == next && more == (next != ext));
@@ -180,6 +186,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     CheckParts(name, static_cast<std::uint32_t>(1 + size % 8));
     CheckFullName(name);
     CheckPattern(name);
+    CheckBackups(name.substr(std::min(name.find_last_of('.'), name.size())));
     CheckBackups(name);
     CheckBlanks(name);
     // Without a step that leads out of the directory.
