@@ -101,8 +101,10 @@ std::size_t Utf8Rest(const char* bytes, std::size_t length) {
     // Trail bytes up to the end do what the character needs, and leave it open: each that may follow makes one longer.
     std::uint32_t character = 0;
     bool wellFormed = false;
-    const bool open = *lead >= (rest < 2 ? 0xC2 : rest < 3 ? 0xE0 : 0xF0) && *lead <= 0xF4 &&
-                      host::DecodeUtf8(lead, rest, character, wellFormed) == rest && !wellFormed;
+    const bool open = *lead >= (rest < 2   ? 0xC2
+                                : rest < 3 ? 0xE0
+                                           : 0xF0) &&
+                      *lead <= 0xF4 && host::DecodeUtf8(lead, rest, character, wellFormed) == rest && !wellFormed;
     return open ? rest : 0;
   }
   return 0;

@@ -174,7 +174,8 @@ void WriteSwapped(TCharVFile& text, HFile& file) {
       // A file without positions tells none.
       const std::int32_t written = std::max(file.GetPos() - before, 0);
       if (written % 2 == 0) file.res = resDone;
-      for (std::int32_t i = written / 2; i < count && file.res == resDone; ++i) file.WriteBytes(units + i, sizeof *units);
+      for (std::int32_t i = written / 2; i < count && file.res == resDone; ++i)
+        file.WriteBytes(units + i, sizeof *units);
     }
     before += count * 2;
   }

@@ -31,7 +31,7 @@ inline std::int32_t FindEolBack(const unsigned char* bytes, std::int32_t count) 
   using Bytes = Lanes<unsigned char>;
   for (; count >= Bytes::kCount; count -= Bytes::kCount) {
     const std::uint32_t mask = Bytes(bytes + count - Bytes::kCount).Either(kCr, kLf);
-    if (mask != 0) return count - Bytes::kCount + std::bit_width(mask);
+    if (mask != 0) return count - Bytes::kCount + static_cast<std::int32_t>(std::bit_width(mask));
   }
   while (count > 0 && !IsEol(bytes[count - 1])) --count;
   return count;
