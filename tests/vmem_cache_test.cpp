@@ -147,7 +147,7 @@ TEST_P(CacheModelTest, HoldsAndEvictsAsTheModel) {
     return vm.Read(addr, len) == space.substr(static_cast<std::size_t>(addr), static_cast<std::size_t>(len));
   };
   const auto write = [&](std::int32_t addr, std::int32_t len) {
-    const std::string content = Pattern(len, random());
+    const std::string content = Pattern(len, static_cast<std::uint32_t>(random()));
     model.Access(addr, len, true);
     vm.Write(addr, content);
     space.replace(static_cast<std::size_t>(addr), content.size(), content);
