@@ -108,6 +108,9 @@ std::uint64_t SumOf(const HostFile& file) {
 
 HostFile NamelessCopy(const std::string& directory, const std::string& name) {
   HostFile copy = HostFile::Nameless(directory);
-  ForPieces(HostFile::Open(name), [&](const char* bytes, std::size_t count) { copy.Write(bytes, count); });
+  // In the calls in which a swap file is written: the system keeps what came in larger ones in larger units.
+  ForPieces(HostFile::Open(name), [&](const char* bytes, std::size_t count) {
+    for (std::size_t at = 0; at < count; at += kPage) copy.Write(bytes + at, std::min<std::size_t>(kPage, count - at));
+  });
   return copy;
 }

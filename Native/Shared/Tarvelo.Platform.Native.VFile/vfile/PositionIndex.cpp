@@ -174,7 +174,7 @@ void PositionIndex::Find(BlkRdr& cursor, std::int32_t position) const {
 }
 
 PositionIndex::Place PositionIndex::Locate(std::int32_t base) {
-  if (base == locatedBase_) return located_;
+  if (locatedBase_ >= 0 && LocateNearby(base)) return located_;
   Place place;
   std::int32_t before = 0;
   place.group = Fall(topSums_, topCount_, base, before);
@@ -185,6 +185,23 @@ PositionIndex::Place PositionIndex::Locate(std::int32_t base) {
   locatedBase_ = base;
   located_ = place;
   return place;
+}
+
+/// Goes from the block located last to the one at `base`, if that is the same or one next to it.
+bool PositionIndex::LocateNearby(std::int32_t base) {
+  const Leaf& leaf = LeafAt(located_);
+  const std::int32_t slot = located_.slot;
+  if (base != locatedBase_) {
+    if (slot + 1 < leaf.count && base == locatedBase_ + leaf.lens[slot]) {
+      ++located_.slot;
+    } else if (slot > 0 && base == locatedBase_ - leaf.lens[slot - 1]) {
+      --located_.slot;
+    } else {
+      return false;
+    }
+    locatedBase_ = base;
+  }
+  return true;
 }
 
 PositionIndex::Leaf& PositionIndex::LeafAt(const Place& place) const { return *top_[place.group]->leaves[place.leaf]; }

@@ -88,6 +88,7 @@ class PositionIndex {
   bool ReserveTop(std::int32_t groups);
 
   bool Next(Place& place) const;
+  bool LocateNearby(std::int32_t base);
   bool SplitLeaf(Place& place);
   bool SplitGroup(Place& place);
   std::int32_t RemoveInLeaf(const Place& place, std::int32_t count);
@@ -104,7 +105,9 @@ class PositionIndex {
   std::int32_t topCount_ = 0;
   std::int32_t topRoom_ = 0;
   std::int32_t leafCount_ = 0;
-  std::int32_t locatedBase_ = -1;  // what was located last, or -1; a block is often left and entered again
+  // What was located last; a block is often left and entered again. Lengths have changed only there or behind it since, and no
+  // block has come or gone, else the base is -1.
+  std::int32_t locatedBase_ = -1;
   Place located_ = {};
 };
 
