@@ -9,6 +9,7 @@
 #include "host/Host.h"
 #include "support/Files.h"
 #include "support/Halts.h"
+#include "support/Leaks.h"
 #include "support/Process.h"
 #include "threads/ThreadSlots.h"
 #include "vfile/ThreadValues.h"
@@ -149,6 +150,7 @@ void ExitAmongOthers() {
     pthread_attr_init(&detached);
     pthread_attr_setdetachstate(&detached, PTHREAD_CREATE_DETACHED);
     const auto countRound = [](void*) -> void* {
+      const support::LeftOnPurpose table;
       VFile("of a new thread");
       ++rounds;
       return nullptr;

@@ -7,6 +7,8 @@
 #include <optional>
 #include <thread>
 
+#include "support/Leaks.h"
+
 namespace {
 
 using BoolCall = bool (*)();
@@ -69,6 +71,7 @@ TEST(Loading, AThreadMayOutliveTheLibrary) {
     Library library;
     ASSERT_TRUE(library);
     thread = std::thread([&] {
+      const support::LeftOnPurpose table;
       library.InitializeThread();
       initialized.set_value();
       unloaded.get_future().wait();

@@ -1,5 +1,5 @@
-// Text files come in as raw bytes first; their conversion then goes into new blocks a piece at a time, so that no text is ever in
-// process memory.
+// Text files come in as raw bytes first; their conversion then goes into new blocks a piece at a time, so that no more than that is
+// ever in process memory.
 
 #include <algorithm>
 #include <cstring>

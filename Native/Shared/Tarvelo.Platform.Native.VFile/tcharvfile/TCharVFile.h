@@ -93,7 +93,7 @@ class VFILE_API TCharVFile : protected VFile {
   /// What does not fit is dropped. Gives the units stored; 0 with `eof` where there was no line left. A null buffer or a size
   /// below 1 is `resCallError`.
   std::int32_t ReadLine(TChar* buffer, std::int32_t size);
-  /// The whole text; the position ends behind it. A string that the heap has no room for is `resHeapOverflow` and comes out
+  /// The whole text, in process memory; the position ends behind it. A string that the heap has no room for is `resHeapOverflow` and comes out
   /// empty, with the position as it was. A text without units comes out empty and leaves everything alone, `res` too.
   TString ToString();
 
@@ -198,7 +198,8 @@ class VFILE_API TCharVFile : protected VFile {
   /// empty text, where the file is ANSI and the heap has no room for the converter of the code page; of the change by the converted
   /// text, with the raw bytes as content: `resTooLong` where the thread's space cannot hold these and the text at once.
   ///
-  /// Memory: a few pieces of 1024 bytes and the descriptors of the blocks, in every form.
+  /// Memory: a few pieces of 1024 bytes, and the descriptors of the blocks, of which the raw bytes have their own in every form but UTF-16
+  /// with its low byte first.
   void LoadText(const TChar* fileName, Encoding& encoding, std::uint32_t shareMode);
   void LoadText(const TChar* fileName, std::uint32_t shareMode);
   void LoadText(const TString& fileName, Encoding& encoding, std::uint32_t shareMode);

@@ -13,7 +13,7 @@
 ///     vm.Dealloc(addr, 100);
 ///
 /// An address is a byte offset from the start of the space, never a pointer; -1 stands for none. All data go in and out by
-/// copying. The space is cut into pages of 1024 bytes, of which a bounded number is cached on the heap. Pages that fall
+/// copying. The space is cut into pages of 1024 bytes, of which a bounded number is cached on the heap, beside 256 KB of tables and up to 32 KB that are read ahead. Pages that fall
 /// out of the cache go to a swap file, which comes into being when the first changed page has to be written, belongs to
 /// this object alone, and is gone with it or with the process, however that ends.
 ///
