@@ -1,6 +1,7 @@
 // What is left of a space where its swap file refuses a transfer in the middle of an operation.
 
 #include <functional>
+#include <numeric>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -200,6 +201,22 @@ TEST(VMemFailure, AReadThatFailsHaltsAndLosesNothing) {
   ASSERT_EQ(ftruncate(vm.Descriptor(), 3 * 1024 + 1), 0);
   EXPECT_HALT("VMem, FindPage():\nreading from swap file failed", vm.Touch({3}));
   for (const std::int32_t page : {0, 1, 2}) EXPECT_TRUE(vm.Read(page * 1024, 1024) == vm.Content(page));
+}
+
+// What was read ahead before lies where the run goes on, and is overwritten as far as that comes.
+TEST(VMemFailure, ARunThatEndsHalfWayServesNothingWrong) {
+  Peek vm;
+  vm.maxAddress = 40 * 1024;
+  vm.SetLimit(1);
+  Addresses pages(40);
+  std::iota(pages.begin(), pages.end(), 0);
+  vm.Mark(pages);
+  vm.ReleaseCache();
+  pages.resize(18);
+  vm.Touch(pages);
+  ASSERT_EQ(ftruncate(vm.Descriptor(), 23 * 1024), 0);
+  EXPECT_TRUE(vm.Read(18 * 1024, 1024) == vm.Content(18));
+  for (const std::int32_t page : pages) EXPECT_TRUE(vm.Read(page * 1024, 1024) == vm.Content(page)) << page;
 }
 
 // A forked child shares the swap file and its position, and has a copy of the cache. It may read.

@@ -27,7 +27,9 @@ class UnitReader {
   }
   bool IsAtEnd() const { return left_ == 0; }
   /// Moves behind the last unit, wherever the reading ended.
-  void Finish() { text_.SetTCharPos(text_.TCharLength()); }
+  void Finish() {
+    if (!IsAtEnd()) text_.SetTCharPos(text_.TCharLength());
+  }
 
  private:
   TCharVFile& text_;

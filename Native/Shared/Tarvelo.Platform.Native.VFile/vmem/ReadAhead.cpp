@@ -53,6 +53,8 @@ ReadAhead::Stretch ReadAhead::Miss(std::int32_t addr, std::int32_t fileLen) {
 
 unsigned char* ReadAhead::Room() {
   Run& run = runs_[latest_];
+  // Also where the reading fails half-way.
+  run.begin = run.end = 0;
   if (run.room == nullptr) run.room.reset(new (std::nothrow) unsigned char[kPages * kPageSize]);
   return run.room.get();
 }

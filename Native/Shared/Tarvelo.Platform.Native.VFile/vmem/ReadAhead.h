@@ -25,7 +25,7 @@ class ReadAhead {
   /// Notes that the page at `addr`, which is not held, has to be read from a file of `fileLen` bytes. Gives the pages to read: this one
   /// alone, or more where it follows a run.
   Stretch Miss(std::int32_t addr, std::int32_t fileLen);
-  /// Room for them, or null where the heap has none.
+  /// Room for them, or null where the heap has none. What the run held is given up.
   unsigned char* Room();
   /// They stand in the room.
   void Hold(const Stretch& stretch);
