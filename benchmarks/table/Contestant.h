@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -41,3 +42,12 @@ std::vector<ContestantEntry> ScanContestants();
 std::vector<ContestantEntry> PageContestants();
 std::vector<ContestantEntry> SqliteContestants();
 std::vector<ContestantEntry> LmdbContestants();
+
+inline std::vector<ContestantEntry> Joined(std::initializer_list<std::vector<ContestantEntry>> parts) {
+  std::vector<ContestantEntry> entries;
+  for (const auto& part : parts) entries.insert(entries.end(), part.begin(), part.end());
+  return entries;
+}
+
+/// Those of the module of peers.
+extern "C" const std::vector<ContestantEntry>& PeerContestants();
