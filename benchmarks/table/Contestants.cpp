@@ -22,7 +22,8 @@ const std::vector<ContestantEntry>& LoadedPeerContestants() {
 
 const ContestantEntry* Find(const std::string& name) {
   const auto findIn = [&](const std::vector<ContestantEntry>& entries) {
-    const auto found = std::find_if(entries.begin(), entries.end(), [&](const auto& entry) { return entry.name == name; });
+    const auto found =
+        std::find_if(entries.begin(), entries.end(), [&](const auto& entry) { return entry.name == name; });
     return found == entries.end() ? nullptr : &*found;
   };
   const ContestantEntry* own = findIn(OwnContestants());
