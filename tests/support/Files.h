@@ -6,6 +6,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <random>
 #include <string>
 
 #include "host/Unit.h"
@@ -22,8 +23,9 @@ class InDirectory : public testing::Test {
  protected:
   InDirectory() {
     const std::filesystem::path parent = std::filesystem::canonical(std::filesystem::temp_directory_path());
-    std::string pattern = (parent / "vfile-test-XXXXXX").string();
-    directory_ = mkdtemp(pattern.data());
+    std::random_device random;
+    do directory_ = parent / ("vfile-test-" + std::to_string(random()));
+    while (!std::filesystem::create_directory(directory_));
   }
   ~InDirectory() override { std::filesystem::remove_all(directory_); }
 

@@ -17,17 +17,21 @@
 #define VFILE_REFUSE_CONSTANT(condition, ...)
 #endif
 
+// `VFILE_LOCAL` keeps a member of an exported class inside the library. A compiler that exports classes whole leaves it out.
 #if defined(VFILE_STATIC)
 #define VFILE_API
 #define VFILE_LOCAL
-#elif defined(_WIN32) && defined(VFILE_BUILDING)
-#define VFILE_API __declspec(dllexport)
+#elif defined(_WIN32) && !defined(VFILE_BUILDING)
+#define VFILE_API __declspec(dllimport)
+#define VFILE_LOCAL
+#elif defined(_WIN32) && defined(__GNUC__)
+// The linker exports what the list of symbols names, see cmake/ListExports.cmake.
+#define VFILE_API
 #define VFILE_LOCAL
 #elif defined(_WIN32)
-#define VFILE_API __declspec(dllimport)
+#define VFILE_API __declspec(dllexport)
 #define VFILE_LOCAL
 #else
 #define VFILE_API __attribute__((visibility("default")))
-/// Keeps a member of an exported class inside the library.
 #define VFILE_LOCAL __attribute__((visibility("hidden")))
 #endif

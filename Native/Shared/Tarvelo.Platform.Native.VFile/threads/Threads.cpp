@@ -47,5 +47,3 @@ bool VFile_InitializeThread() { return InitializeThread(); }
 bool VFile_IsThreadInitialized() { return threads::TlsTableExists(); }
 
 bool VFile_UninitializeThread() { return UninitializeThread(); }
-
-std::int32_t DllMain(void* /*module*/, std::uint32_t reason, void* /*reserved*/) { return host::ModuleEntry(reason); }

@@ -13,8 +13,7 @@
 /// like others. Such a child must not touch its parent's files, and ends by `_exit` or by running another program.
 #pragma once
 
-#include <cstdint>
-
+#include "host/Entry.h"
 #include "host/Export.h"
 
 /// Gives the calling thread its table of values, with the defaults, unless it has one. False if the heap is exhausted.
@@ -26,4 +25,5 @@ VFILE_API bool VFile_UninitializeThread();
 
 /// The entry point that the loader calls: `reason` is 0 process detach, 1 process attach, 2 thread attach, 3 thread
 /// detach. Gives 1 for success, 0 for failure; 1 for any other reason. Not for applications.
-extern "C" VFILE_API std::int32_t DllMain(void* module, std::uint32_t reason, void* reserved);
+extern "C" VFILE_API host::EntryResult VFILE_ENTRY DllMain(host::Module module, host::EntryReason reason,
+                                                           void* reserved);
