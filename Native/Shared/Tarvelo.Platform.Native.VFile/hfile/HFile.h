@@ -257,12 +257,12 @@ class VFILE_API HFile {
   /// Makes a file read-only, or no longer so; one that is as asked already is not touched. Gives whether it is so now.
   static bool SetReadOnly(const TChar* name, bool readOnly);
   /// Copies a file, with its read-only state and the time of its last change. Without `overwrite` an existing target is
-  /// `resAlreadyExists`. The target has all or nothing: a copy that fails leaves no part of it, and an old target as it was.
+  /// `resAlreadyExists`. Whether a copy that fails half-way leaves an old target as it was is the host's.
   static bool Copy(const TChar* source, const TChar* target, std::int32_t& result, bool overwrite);
   /// The same, without the code.
   static bool Copy(const TChar* source, const TChar* target, bool overwrite);
   /// Renames or moves a file or directory. An existing `newName` is `resAlreadyExists`, also one that came into being just
-  /// now; the own name is a success. A file that is open is `resNoPermission`. A file moves to another file system as well, a
+  /// now; the own name is a success. A file that is open is `resNoPermission`. A file moves to another file system or drive as well, a
   /// directory does not.
   static bool Rename(const TChar* oldName, const TChar* newName, std::int32_t& result);
   /// The same, without the code.
@@ -282,7 +282,7 @@ class VFILE_API HFile {
   /// Creates a file of a name that nobody has, leaves it open in `file`, for writing from end to end if `seqWrite`, and gives
   /// its name: directory, prefix, a number of up to 8 digits, extension. Null stands for `GetTempDir`, "~hf" and ".tmp"; an
   /// empty `dir` is the current directory, an empty `ext` none, and its dot may be left out. Prefix and extension are cut to
-  /// 63 units. Nobody but its owner may read or write the file.
+  /// 63 units.
   ///
   /// False, with the reason in `file.res`, if the name does not fit `name` or is none for the host, and for every other failure
   /// but that of a name that somebody has: that is met by the next number, 100000000 times. Halts if `file` is open, for a null

@@ -13,10 +13,8 @@
 /// A pattern is a name whose last step may hold the wildcards "*", any number of characters, and "?", one character. "*.*" is
 /// every name, also one without a dot. A pattern has up to 260 units; what is longer is cut. Each name is handed out as a full
 /// path, resolved when it is found; a path of more than 260 units is cut, and so is one that does not fit the buffer. Every name
-/// is delivered that the host reports, directories, "." and ".." included, which come out as the directory and its parent.
-///
-/// Here the host takes the names as they stand at the first find and delivers them in ascending order of units, and case counts.
-/// It holds all names that match in memory until the walk has ended.
+/// is delivered that the host reports, directories, "." and ".." included, which come out as the directory and its parent. Their order,
+/// whether case counts, and whether a name that comes into being during a walk is found, are the host's.
 ///
 /// Failures: a pattern that matches nothing, a directory that does not exist or cannot be read, and a heap that is exhausted all
 /// read the same: false, and an empty buffer.

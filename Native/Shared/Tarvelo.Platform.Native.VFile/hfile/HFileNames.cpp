@@ -1,18 +1,19 @@
 #include "hfile/HFile.h"
 #include "hfile/Require.h"
 #include "host/Host.h"
+#include "host/Line.h"
 #include "hsys/HostNames.h"
 #include "hsys/Strings.h"
 
 namespace {
 
 /// Whether a buffer for a name has room for anything.
-bool RequireBuffer(const TChar* buffer, std::uint32_t size, std::int32_t line = __builtin_LINE()) {
+bool RequireBuffer(const TChar* buffer, std::uint32_t size, std::int32_t line = VFILE_LINE) {
   return hfile::Require(buffer != nullptr, line) && hfile::Require(size > 0, line);
 }
 
 /// Whether a part of a name either has a buffer or is not wanted.
-bool RequirePart(const TChar* buffer, std::uint32_t size, std::int32_t line = __builtin_LINE()) {
+bool RequirePart(const TChar* buffer, std::uint32_t size, std::int32_t line = VFILE_LINE) {
   return hfile::Require((buffer != nullptr) == (size > 0), line);
 }
 

@@ -1,14 +1,15 @@
 /// @file
 /// The seam to the operating system: every call to it goes through this header, under its Win32 or C runtime name.
 ///
-/// On Windows these are forwarders to the system. Elsewhere they are implemented, one small file for each group below.
-/// Arguments that every caller leaves null or zero there (security attributes, template handles, high words, overlapped
-/// records) are left out here. Numbers of constants and of errors are those of Win32.
+/// `win32/` forwards them to the system, `posix/` stands in for them, in one small file for each group below. What both keep is said
+/// here; what a host adds is said in its folder, and in docs/host.md for both side by side. Arguments that every caller leaves
+/// null or zero (security attributes, template handles, high words) are left out. Numbers of constants and of errors are those of
+/// Win32.
 ///
 /// Rules of the seam:
-/// - Nothing here throws. Nothing but the conversions of code pages and the finds allocates from the heap.
+/// - Nothing here throws. Nothing but the conversions of code pages and the finds takes memory by `new`.
 /// - A call that fails leaves its reason in the calling thread's last error. A call that succeeds leaves the last error
-///   alone, but for `CreateFileW`.
+///   alone, but for `CreateFileW`, and for `TlsGetValue`, which may set it to 0.
 /// - Names are strings of units ended by a 0 unit. A null name is treated like an empty one.
 #pragma once
 
@@ -91,26 +92,20 @@ inline constexpr std::uint32_t FILE_FLAG_SEQUENTIAL_SCAN = 0x08000000;
 inline constexpr std::uint32_t FILE_FLAG_RANDOM_ACCESS = 0x10000000;
 
 /// Opens or creates a file. `access` is made of the GENERIC bits, `share` of the FILE_SHARE bits, `disposition` is one of
-/// the four above, `flags` is made of attributes, of which FILE_ATTRIBUTE_TEMPORARY alone counts here and makes a new file private to its
-/// owner, and of the FILE_FLAG bits.
+/// the four above, `flags` is made of attributes and of the FILE_FLAG bits.
 ///
 /// An open that does not fit the sharing of one that stands, in this process or another, fails with
-/// ERROR_SHARING_VIOLATION; only regular files know sharing. A refused open leaves the file as it was, since it is emptied last
-/// of all, and leaves none that it made. When the call returns, the name leads to the file that the handle holds, and the file
-/// keeps it: others can delete, move or replace it by this interface only when the handle is closed.
+/// ERROR_SHARING_VIOLATION. A refused open leaves the file as it was, and leaves none that it made. Of an open file others can
+/// take away the name only as the sharing lets them.
 ///
-/// With FILE_FLAG_DELETE_ON_CLOSE a file of that name must not exist yet; the new one has no name any more when the call
-/// returns, is readable by its owner alone, and lives as long as the handle. ERROR_FILE_EXISTS says that the name is taken and
-/// another may help; any other error would be met by other names in that directory as well. ERROR_ACCESS_DENIED can mean that
-/// names can be made there and not taken away again; the empty file then stays.
-///
-/// The handle is none of the three standard streams, even where these are closed.
+/// With FILE_FLAG_DELETE_ON_CLOSE the file goes with its handle, however the process ends. ERROR_FILE_EXISTS, ERROR_ALREADY_EXISTS and
+/// ERROR_SHARING_VIOLATION then say that the name is taken and another may help; any other error would be met by other names in that
+/// directory as well.
 ///
 /// On success the last error is ERROR_ALREADY_EXISTS where CREATE_ALWAYS or OPEN_ALWAYS took an existing file, else 0.
 HANDLE CreateFileW(const TChar* name, std::uint32_t access, std::uint32_t share, std::uint32_t disposition,
                    std::uint32_t flags);
-/// Closes the file. Its lock is lifted at once, also where a forked child has a copy of the handle, or where the handle is a copy
-/// itself of one that the program keeps.
+/// Closes the file, and with it what it kept others from.
 bool CloseHandle(HANDLE file);
 
 // ---- Files: transfer, position, size --------------------------------------------------------------------------------
@@ -122,13 +117,13 @@ inline constexpr std::uint32_t INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
 inline constexpr std::uint32_t INVALID_FILE_SIZE = 0xFFFFFFFF;
 
 /// Reads up to `count` bytes at the file's position into `buffer` and moves the position. Fewer bytes than asked, 0 too,
-/// is no failure; of a regular file it means the end. `*done` is set in every case: to what got in, also by a failure.
+/// is no failure; of a file on a disk it means the end. `*done` is set in every case: to what got in, also by a failure.
 bool ReadFile(HANDLE file, void* buffer, std::uint32_t count, std::uint32_t* done);
 /// Writes `count` bytes at the file's position and moves it. Goes on until all is written or the system refuses; what
 /// got out before a refusal is reported as a success with a smaller `*done`, so that the next call meets the reason.
 bool WriteFile(HANDLE file, const void* buffer, std::uint32_t count, std::uint32_t* done);
-/// Where in a file a transfer begins that does not look at the file's position. Such a transfer is one call, so it is not
-/// disturbed by others that share the position; what becomes of that is open.
+/// Where in a file a transfer begins that does not look at the file's position, and so is not disturbed by others that share it; what
+/// becomes of the position is open.
 struct OVERLAPPED {
   std::uint32_t Offset;      ///< The low 32 bits.
   std::uint32_t OffsetHigh;  ///< The high 32 bits.
@@ -158,29 +153,24 @@ bool FlushFileBuffers(HANDLE file);
 
 /// The attributes of a file or directory, or INVALID_FILE_ATTRIBUTES.
 std::uint32_t GetFileAttributesW(const TChar* name);
-/// Sets the attributes, of which FILE_ATTRIBUTE_READONLY alone counts. A file that is read-only no longer can be written by its
-/// owner, and by others who may read it as the umask lets. A directory cannot be made read-only.
+/// Sets the attributes, of which this library changes FILE_ATTRIBUTE_READONLY of files alone.
 bool SetFileAttributesW(const TChar* name, std::uint32_t attributes);
-/// 0 if the file can be accessed in the mode, else -1. Mode: 0 exists, 2 may be written, 4 may be read, 6 both. A
-/// directory that is to be written must also be searchable.
+/// 0 if the file can be accessed in the mode, else -1. Mode: 0 exists, 2 may be written, 4 may be read, 6 both.
 int _waccess(const TChar* name, int mode);
 /// Copies a file with its attributes and the time of its last write. An existing target is ERROR_FILE_EXISTS with
-/// `failIfExists`, else replaced; a link leads on to its end, whether or not something is there. A regular target appears under
-/// its name complete or not at all, and an old one stays as it was until then; others, such as devices, are written as they are.
-/// Holes stay holes where the file systems can tell and make them. ERROR_SHARING_VIOLATION where the source is open without
-/// sharing, the target at all, or where another file got the target's name meanwhile.
+/// `failIfExists`, else replaced. ERROR_SHARING_VIOLATION where the source or the target is open in a way that does not let it, and
+/// for a file onto itself.
 bool CopyFileW(const TChar* source, const TChar* target, bool failIfExists);
-/// Renames a file or directory. A name that exists is ERROR_ALREADY_EXISTS, found out in the step that renames, but the own
-/// name is a success. Between file systems files alone are moved: copied with owner, mode and time, then removed. A file that is
-/// open is ERROR_SHARING_VIOLATION.
+/// Renames a file or directory. A name that exists is ERROR_ALREADY_EXISTS, but the own name is a success. A file that is open is
+/// ERROR_SHARING_VIOLATION.
 bool MoveFileW(const TChar* oldName, const TChar* newName);
 /// Removes a file. One that is open is ERROR_SHARING_VIOLATION.
 bool DeleteFileW(const TChar* name);
 
 // ---- Names ----------------------------------------------------------------------------------------------------------
 
-/// The form of an existing name without abbreviations, which here is the name itself, into `buffer` of `size` units; gives its
-/// length, or if it does not fit the size that it takes, or 0.
+/// The form of an existing name without abbreviations, into `buffer` of `size` units; gives its length, or if it does not fit the
+/// size that it takes, or 0.
 std::uint32_t GetLongPathNameW(const TChar* name, TChar* buffer, std::uint32_t size);
 /// The absolute form of a name, null counting as empty, with its "." and ".." steps resolved as text, into `buffer` of `size`
 /// units, which may be the name's own; null, with the buffer as it was, if it does not fit.
@@ -195,7 +185,7 @@ int _wsplitpath_s(const TChar* path, TChar* drive, std::size_t driveSize, TChar*
 // ---- Finding names --------------------------------------------------------------------------------------------------
 
 /// Starts a search for names that match the pattern, which may hold "*" and "?" in its last step; fills in the first and gives
-/// a handle, or -1 if there is none. The search takes the directory as it stands now and delivers in ascending order of units.
+/// a handle, or -1 if there is none.
 std::intptr_t _wfindfirst64i32(const TChar* pattern, _wfinddata64i32_t* data);
 /// Fills in the next name and gives 0, or -1 if there is none left.
 int _wfindnext64i32(std::intptr_t find, _wfinddata64i32_t* data);
@@ -234,8 +224,7 @@ void EnterCriticalSection(CRITICAL_SECTION* section);
 void LeaveCriticalSection(CRITICAL_SECTION* section);
 void DeleteCriticalSection(CRITICAL_SECTION* section);
 
-/// The system's id of the calling thread, never 0. No system call but for the first on a thread and the first in a forked
-/// child.
+/// The system's id of the calling thread, never 0. Cheap: every operation on a file asks for it.
 std::uint32_t GetCurrentThreadId();
 
 // ---- Loading --------------------------------------------------------------------------------------------------------
@@ -248,12 +237,11 @@ inline constexpr std::uint32_t DLL_THREAD_DETACH = 3;
 /// What the loader calls, defined by the module that is being loaded: 1 for success, 0 for failure.
 /// - DLL_PROCESS_ATTACH when the module is loaded, before any static object of the program.
 /// - DLL_PROCESS_DETACH at unload or exit, on the thread that runs it, after the program's static objects are gone; not if
-///   the attach failed, since a load cannot be refused here. If the process has other threads then, DLL_THREAD_DETACH comes
-///   in its place: nothing that they use is taken away.
-/// - DLL_THREAD_DETACH at the end of a thread that has called `NotifyThreadEnd`, after its thread-local objects are gone;
-///   not on the thread that runs the exit, and not for threads that live on at unload or exit.
-/// In a forked child neither detach comes, but for the end of threads that were started there. There is no notification of a
-/// thread's start.
+///   the attach failed. If other threads are still at work then, DLL_THREAD_DETACH comes in its place: nothing that they use is
+///   taken away.
+/// - DLL_THREAD_ATTACH at the start of a thread, where the host tells of it.
+/// - DLL_THREAD_DETACH at the end of a thread that has called `NotifyThreadEnd`, or of any; not on the thread that runs the exit, and
+///   not for threads that live on at unload or exit.
 std::int32_t ModuleEntry(std::uint32_t reason);
 /// Asks for DLL_THREAD_DETACH at the end of the calling thread. Asking again changes nothing.
 void NotifyThreadEnd();
@@ -283,23 +271,22 @@ bool SetLocalTime(const SYSTEMTIME* time);
 inline constexpr std::uint32_t MB_ICONHAND = 0x10;
 inline constexpr std::uint32_t MB_TASKMODAL = 0x2000;
 
-/// Shows the caption and the text to the user: here on standard error, each on a line of its own, in UTF-8.
+/// Shows the caption and the text to the user, in the host's way.
 void MessageBoxW(const TChar* text, const TChar* caption, std::uint32_t style);
 
 // ---- Code pages -----------------------------------------------------------------------------------------------------
 
 inline constexpr std::uint32_t CP_UTF8 = 65001;
 
-/// The active ANSI code page: `CP_UTF8`, or another number, for which `CodePageConversion` stands. Here it is the character set of the
-/// environment's locale, fixed at the first call.
+/// The active ANSI code page: `CP_UTF8`, or another number, for which `CodePageConversion` stands.
 std::uint32_t GetACP();
 
 /// The conversion of one text from or to the active code page, which is not `CP_UTF8`, as its pieces come. Nothing fails on what
 /// the text holds.
 class CodePageConversion {
  public:
-  /// `kToUnits`: bytes to units; a byte that has no character becomes U+FFFD. `kToBytes`: units to bytes; a character that has none,
-  /// and an unpaired surrogate, becomes "?".
+  /// `kToUnits`: bytes to units; what has no character becomes what the host has for it. `kToBytes`: units to bytes; what has none
+  /// becomes "?".
   enum Direction { kToUnits, kToBytes };
 
   explicit CodePageConversion(Direction direction);

@@ -4,13 +4,14 @@
 
 #include <cstdint>
 
+#include "host/Line.h"
 #include "hsys/Halt.h"
 
 namespace hsys {
 
 /// Halts with `HaltA` under the module's word and the caller's source line unless `holds`, which it gives back:
 /// `if (!Require(module, condition)) return;`.
-inline bool Require(const TChar* module, bool holds, std::int32_t line = __builtin_LINE()) {
+inline bool Require(const TChar* module, bool holds, std::int32_t line = VFILE_LINE) {
   if (!holds) [[unlikely]]
     HaltA(module, line);
   return holds;

@@ -4,11 +4,12 @@
 #include <string>
 
 #include "host/Host.h"
+#include "host/Line.h"
 #include "hsys/Require.h"
 
 namespace {
 
-bool Require(bool holds, std::int32_t line = __builtin_LINE()) { return hsys::Require(TSTR("HSys"), holds, line); }
+bool Require(bool holds, std::int32_t line = VFILE_LINE) { return hsys::Require(TSTR("HSys"), holds, line); }
 
 template <typename Char>
 std::size_t LengthOf(const Char* text) {

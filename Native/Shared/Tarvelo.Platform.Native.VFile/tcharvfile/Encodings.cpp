@@ -2,9 +2,10 @@
 
 #include <cstring>
 
+#include "host/Processor.h"
 #include "host/Utf8.h"
 
-#if defined(__SSE2__)
+#if defined(VFILE_SSE2)
 #include <emmintrin.h>
 #endif
 
@@ -15,7 +16,7 @@ namespace {
 
 constexpr std::size_t kStride = 16;
 
-#if defined(__SSE2__)
+#if defined(VFILE_SSE2)
 
 /// Converts `kStride` bytes if all of them are ASCII.
 bool WidenAscii(const unsigned char* bytes, TChar* units) {

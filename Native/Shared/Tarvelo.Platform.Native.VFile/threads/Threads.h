@@ -9,8 +9,8 @@
 ///
 /// Process: the library attaches itself when it is loaded, before any static object of the application, and detaches at
 /// unload or exit, after all of them, on the thread that runs the exit. Other threads may be at work with files then: what
-/// they use stays until the process is gone. In a forked child the library does neither; threads that the child starts are
-/// like others. Such a child must not touch its parent's files, and ends by `_exit` or by running another program.
+/// they use stays until the process is gone. How a host tells of these moments, what comes first at a thread's end, and what holds in
+/// a forked child is in docs/host.md.
 #pragma once
 
 #include "host/Entry.h"

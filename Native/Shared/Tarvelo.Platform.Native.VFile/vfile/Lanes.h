@@ -6,9 +6,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "host/Processor.h"
 #include "host/Unit.h"
 
-#if defined(__SSE2__)
+#if defined(VFILE_SSE2)
 #include <emmintrin.h>
 #endif
 
@@ -19,7 +20,7 @@ namespace vfile {
 template <typename Element>
 class Lanes;
 
-#if defined(__SSE2__)
+#if defined(VFILE_SSE2)
 
 template <>
 class Lanes<unsigned char> {

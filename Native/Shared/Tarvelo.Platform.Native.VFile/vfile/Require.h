@@ -2,11 +2,12 @@
 /// The assertions of virtual files, under their module word.
 #pragma once
 
+#include "host/Line.h"
 #include "hsys/Require.h"
 
 namespace vfile {
 
-inline bool Require(bool holds, std::int32_t line = __builtin_LINE()) {
+inline bool Require(bool holds, std::int32_t line = VFILE_LINE) {
   return hsys::Require(TSTR("VFile"), holds, line);
 }
 

@@ -17,8 +17,8 @@ bool IsWordByte(unsigned char byte) { return std::isalnum(byte) != 0; }
 /// A search of bytes: what it looks for does not change from one match to the next.
 class VFile::ByteSearch : public vfile::SearchText<vfile::SearchedBytes> {
  public:
-  ByteSearch(const char* text, std::int32_t length, Direction direction, bool ignoreCase)
-      : SearchText(reinterpret_cast<const unsigned char*>(text), length, direction, ignoreCase) {}
+  ByteSearch(const char* text, std::int32_t size, Direction direction, bool ignoreCase)
+      : SearchText(reinterpret_cast<const unsigned char*>(text), size, direction, ignoreCase) {}
 };
 
 bool VFile::Find(std::int32_t& position, const char* text, bool ignoreCase, bool wholeWord) {

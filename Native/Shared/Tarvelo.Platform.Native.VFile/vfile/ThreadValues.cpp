@@ -1,5 +1,6 @@
 #include "vfile/ThreadValues.h"
 
+#include "host/Line.h"
 #include "hsys/CopyUnits.h"
 #include "threads/ThreadSlots.h"
 #include "vfile/Require.h"
@@ -16,7 +17,7 @@ enum Value { openFileCount, threadVMem, threadBlkPool, threadTempDir, threadMaxC
 constinit std::int32_t slots[kValueCount] = {threads::kNoSlot, threads::kNoSlot, threads::kNoSlot, threads::kNoSlot,
                                              threads::kNoSlot};
 
-void RequireAllSlots(bool allocated, std::int32_t line = __builtin_LINE()) {
+void RequireAllSlots(bool allocated, std::int32_t line = VFILE_LINE) {
   for (const std::int32_t slot : slots) vfile::Require((slot != threads::kNoSlot) == allocated, line);
 }
 

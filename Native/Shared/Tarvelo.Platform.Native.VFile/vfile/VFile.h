@@ -56,6 +56,7 @@
 #include "hfile/HFile.h"
 #include "host/Export.h"
 #include "host/Handle.h"
+#include "host/Line.h"
 #include "host/Unit.h"
 #include "hsys/Res.h"
 #include "vfile/Blocks.h"
@@ -637,7 +638,7 @@ class VFILE_API VFile {
   class VFILE_LOCAL ByteSearch;
   friend class vfile::Comparison;
 
-  bool OnOwnerThread(std::int32_t line = __builtin_LINE()) const;
+  bool OnOwnerThread(std::int32_t line = VFILE_LINE) const;
 
   // VFile.cpp
   void Init();
@@ -733,7 +734,7 @@ class VFILE_API VFile {
   bool ScanBackward(ByteSearch& search, std::int32_t& position);
 
   // Lines.cpp
-  bool AdmitLine(std::int32_t position, std::int32_t line = __builtin_LINE());
+  bool AdmitLine(std::int32_t position, std::int32_t line = VFILE_LINE);
   std::int32_t SkipToEol();
   std::int32_t SkipEol();
 

@@ -2,7 +2,9 @@
 /// A hint to the processor.
 #pragma once
 
-#if defined(__SSE2__)
+#include "host/Processor.h"
+
+#if defined(VFILE_SSE2)
 #include <xmmintrin.h>
 #endif
 
@@ -10,7 +12,7 @@ namespace vmem {
 
 /// What lies at `p` is about to be used. It need not be anything.
 inline void Prefetch([[maybe_unused]] const void* p) {
-#if defined(__SSE2__)
+#if defined(VFILE_SSE2)
   _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T0);
 #endif
 }

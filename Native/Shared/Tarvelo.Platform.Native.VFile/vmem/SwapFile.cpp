@@ -1,5 +1,5 @@
 // The swap file: a flat image of the address space, the page at address A at byte A. No header, no holes; its length only
-// grows. It has no name any more by the time it is written, so no end of the process leaves it behind.
+// grows. It goes with its handle, so no end of the process leaves it behind.
 
 #include "vmem/SwapFile.h"
 
@@ -117,7 +117,7 @@ bool VMem::ExtendFile(std::int32_t newLen, bool flushingAll) {
   return true;
 }
 
-// A transfer carries its place, since a forked child shares the position. One that fails is made again in its two steps, to
+// A transfer carries its place, since others may share the position. One that fails is made again in its two steps, to
 // tell which of them it is that fails.
 
 bool VMem::WriteToSwapFile(std::int32_t addr, const unsigned char* data, std::int32_t count, const TChar* proc) {

@@ -33,6 +33,7 @@
 
 #include "host/Export.h"
 #include "host/Handle.h"
+#include "host/Line.h"
 #include "host/Unit.h"
 
 /// One cached page. Owned by the cache of one `VMem`; a pointer to it is good only until the next page is asked for.
@@ -244,7 +245,7 @@ class VFILE_API VMem {
  private:
   struct FreeBlock;
 
-  bool OnOwnerThread(std::int32_t line = __builtin_LINE()) const;
+  bool OnOwnerThread(std::int32_t line = VFILE_LINE) const;
 
   // PageCache.cpp: the list and the hash table.
   CacheDesc* Page(std::int32_t addr);

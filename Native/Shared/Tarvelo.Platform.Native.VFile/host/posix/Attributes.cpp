@@ -1,3 +1,6 @@
+// A file none of whose write bits is set is read-only, for root too. One that is so no longer can be written by its owner, and by others
+// who may read it as the umask lets. Directories are never read-only; one that is to be written must also be searchable.
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>

@@ -1,3 +1,6 @@
+// The active code page is the character set of the environment's locale, fixed at its first use; UTF-8 where it names none that
+// is known. A byte that has no character becomes U+FFFD.
+
 #include <algorithm>
 #include <cctype>
 #include <cerrno>

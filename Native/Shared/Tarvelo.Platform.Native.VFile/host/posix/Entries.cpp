@@ -1,5 +1,12 @@
 // Copy, move and delete. Whatever others do meanwhile, nothing that is there is replaced unasked: the step that gives a name is
 // the one that finds out whether it is free.
+//
+// A copy follows links of its target to their end, whether or not something is there. A regular target appears under its name
+// complete or not at all, and an old one stays as it was until then; others, such as devices, are written as they are. Holes stay holes
+// where the file systems can tell and make them. ERROR_SHARING_VIOLATION where the target is open at all, or where another file got
+// its name meanwhile.
+//
+// Between file systems files alone are moved: copied with owner, mode and time, then removed.
 
 #include <cerrno>
 #include <cstdio>

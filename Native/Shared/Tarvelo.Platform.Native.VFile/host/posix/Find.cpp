@@ -1,3 +1,6 @@
+// A search takes the directory as it stands at its first find, and delivers in ascending order of units. Case counts, and so does a dot at
+// the beginning; "*.*" is every name.
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>

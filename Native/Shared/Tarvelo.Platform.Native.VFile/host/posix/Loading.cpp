@@ -1,3 +1,7 @@
+// A load cannot be refused here, so a failed attach gets no detach. There is no notice of a thread's start; that of its end
+// comes to a thread that asked for it, behind its thread-local objects. In a forked child neither detach comes, but for the
+// end of threads that were started there.
+
 #include <atomic>
 #include <pthread.h>
 #include <sys/single_threaded.h>

@@ -1,3 +1,5 @@
+// The user reads standard error: caption and text, each on a line of its own, in UTF-8.
+
 #include <cerrno>
 #include <string>
 #include <unistd.h>

@@ -1,3 +1,14 @@
+// Sharing is a lock on the open file (flock) that others of this library respect; only regular files know it. A file is emptied last of
+// all. When an open returns, the name leads to the file that the handle holds, and the file keeps it: a file that any handle
+// of this library has open is not deleted, moved or replaced by it. FILE_ATTRIBUTE_TEMPORARY makes a new file private to its
+// owner. No handle is one of the three standard streams, even where these are closed.
+//
+// A file that is deleted with its handle has no name any more when the open returns, and is private to its owner. A name that exists
+// counts as taken. ERROR_ACCESS_DENIED can mean that names can be made there and not taken away again; the empty file then stays.
+//
+// A close lifts the lock at once, also where a forked child has a copy of the handle, or where the handle is a copy itself of one
+// that the program keeps.
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>

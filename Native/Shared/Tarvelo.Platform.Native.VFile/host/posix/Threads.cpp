@@ -31,7 +31,7 @@ bool IsHandedOut(std::uint32_t generation) { return (generation & 1) != 0; }
 
 // ---- Thread id ----
 
-/// At a fixed place in the thread's own memory, so that a look at it is no call: every operation on a file makes one.
+/// At a fixed place in the thread's own memory, so that a look at it is no call.
 [[gnu::tls_model("initial-exec")]] thread_local std::uint32_t threadId = 0;
 
 /// A forked child has one thread, the one that forked, under a new id.

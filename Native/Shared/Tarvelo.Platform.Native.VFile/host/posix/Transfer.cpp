@@ -1,3 +1,6 @@
+// A write goes on until all is written or the system refuses; what got out before a refusal is a success with a smaller count,
+// so that the next call meets the reason.
+
 #include <cerrno>
 #include <fcntl.h>
 #include <limits>
