@@ -7,7 +7,7 @@ prefix=${VFILE_WINEPREFIX:-$top/build/wine}
 wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
 
 user=
-if [ "$(id -u)" -eq 0 ] && setpriv --reuid=nobody --regid=nogroup --clear-groups test -r "$1"; then
+if [ "$(id -u)" -eq 0 ] && setpriv --reuid=nobody --regid=nogroup --clear-groups test -r "$0"; then
   user='setpriv --reuid=nobody --regid=nogroup --clear-groups'
 fi
 

@@ -1,11 +1,23 @@
-// The library as part of a program or of another DLL: three of the loader's moments come by a callback for thread-local storage, which
-// the loader calls before any object of the module is made. The fourth, the end, comes from the C runtime, by a handler that is
-// registered before any other of the module's and so runs behind them all.
+// The library as part of a program or of another DLL. The loader tells of the load and of threads by a callback for thread-local storage,
+// before any object of the module is made. The end comes from the C runtime, by a handler that is registered before any
+// other of the module's and so runs behind them all; a callback would come before the module's objects are gone, or not at all.
 
 #include <atomic>
 #include <cstdlib>
 
 #include "host/win32/Windows.h"
+
+extern "C" IMAGE_DOS_HEADER __ImageBase;
+
+// What the linker puts between the C runtime's own markers, in the order of the letters behind the dollar.
+#if defined(_MSC_VER)
+#pragma section(".CRT$XCB", read)
+#pragma section(".CRT$XLB", read)
+#pragma comment(linker, "/INCLUDE:_tls_used")
+#define IN_SECTION(name) extern "C" __declspec(allocate(name))
+#else
+#define IN_SECTION(name) extern "C" __attribute__((section(name), used))
+#endif
 
 namespace host {
 namespace {
@@ -14,10 +26,13 @@ constinit std::atomic<bool> attached = false;
 /// Threads that started behind the attach and have not ended.
 constinit std::atomic<int> otherThreads = 0;
 
-// An exit of a program runs here while its other threads still work. So where there are any, what they use stays, and the thread
-// that runs the exit gives back its own alone.
+bool IsInProgram() { return reinterpret_cast<HMODULE>(&__ImageBase) == ::GetModuleHandleW(nullptr); }
+
+// The exit of a program runs here while its other threads still work. So where there are any, what they use stays, and the thread
+// that runs the exit gives back its own alone. A DLL is unloaded with all it has, or its process has no other thread any more.
 void Detach() {
-  if (attached.exchange(false)) ModuleEntry(otherThreads > 0 ? DLL_THREAD_DETACH : DLL_PROCESS_DETACH);
+  if (!attached.exchange(false)) return;
+  ModuleEntry(IsInProgram() && otherThreads > 0 ? DLL_THREAD_DETACH : DLL_PROCESS_DETACH);
 }
 
 void NTAPI OnNotification(void* /*module*/, DWORD reason, void* /*reserved*/) {
@@ -34,19 +49,17 @@ void NTAPI OnNotification(void* /*module*/, DWORD reason, void* /*reserved*/) {
       --otherThreads;
       break;
     default:
-      Detach();
       break;
   }
 }
 
-// Behind the C runtime's own start, before every object of the program.
-__attribute__((constructor(101))) void OnStart() { std::atexit(Detach); }
-
-// Between the markers of the linker, before the callbacks of the C runtime.
-__attribute__((section(".CRT$XLB"), used)) const PIMAGE_TLS_CALLBACK callback = OnNotification;
+void OnStart() { std::atexit(Detach); }
 
 }  // namespace
 
 void NotifyThreadEnd() {}
 
 }  // namespace host
+
+IN_SECTION(".CRT$XCB") void (*const vfileStart)() = host::OnStart;
+IN_SECTION(".CRT$XLB") const PIMAGE_TLS_CALLBACK vfileCallback = host::OnNotification;
