@@ -7,8 +7,6 @@
 
 namespace hfile {
 
-inline bool Require(bool holds, std::int32_t line = VFILE_LINE) {
-  return hsys::Require(TSTR("HFile"), holds, line);
-}
+inline bool Require(bool holds, std::int32_t line = VFILE_LINE) { return hsys::Require(TSTR("HFile"), holds, line); }
 
 }  // namespace hfile

@@ -8,7 +8,7 @@
 struct HINSTANCE__;
 
 namespace host {
-using Module = HINSTANCE__*;       ///< What the loader has loaded: HINSTANCE.
+using Module = HINSTANCE__*;        ///< What the loader has loaded: HINSTANCE.
 using EntryReason = unsigned long;  ///< DWORD.
 using EntryResult = int;            ///< BOOL.
 }  // namespace host

@@ -57,8 +57,8 @@ bool CodePageConversion::Convert(const char*& in, std::size_t& left, char*& out,
       if (count == 0) return false;
       taken = count * sizeof(TChar);
       std::memcpy(units, in, taken);
-      const int bytes = ::WideCharToMultiByte(CP_ACP, 0, units, static_cast<int>(count), out, static_cast<int>(std::min<std::size_t>(room, INT_MAX)),
-                                              "?", nullptr);
+      const int bytes = ::WideCharToMultiByte(CP_ACP, 0, units, static_cast<int>(count), out,
+                                              static_cast<int>(std::min<std::size_t>(room, INT_MAX)), "?", nullptr);
       given = static_cast<std::size_t>(bytes);
     }
     in += taken;

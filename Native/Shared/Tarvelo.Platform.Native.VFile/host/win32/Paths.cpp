@@ -1,5 +1,6 @@
 // The C runtime's functions for names. What they refuse by ending the process is refused here first.
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <string>
@@ -11,16 +12,8 @@ namespace {
 
 std::size_t LengthOf(const TChar* text) { return text == nullptr ? 0 : std::char_traits<TChar>::length(text); }
 
-bool IsSeparator(TChar unit) { return unit == '\\' || unit == '/'; }
-
-/// The length of a name put together.
-std::size_t MadeLength(const TChar* drive, const TChar* dir, const TChar* name, const TChar* ext) {
-  const std::size_t dirLength = LengthOf(dir);
-  const bool needsSeparator = dirLength > 0 && !IsSeparator(dir[dirLength - 1]);
-  const bool needsDot = LengthOf(ext) > 0 && *ext != '.';
-  return (LengthOf(drive) > 0 ? 2 : 0) + dirLength + (needsSeparator ? 1 : 0) + LengthOf(name) + (needsDot ? 1 : 0) +
-         LengthOf(ext);
-}
+/// No name of the system is longer, terminator included.
+constexpr std::size_t kLongestName = 0x8000;
 
 bool IsPart(const TChar* buffer, std::size_t size) { return (buffer != nullptr) == (size > 0); }
 
@@ -38,11 +31,16 @@ TChar* _wfullpath(TChar* buffer, const TChar* name, std::size_t size) {
 int _wmakepath_s(TChar* buffer, std::size_t size, const TChar* drive, const TChar* dir, const TChar* name,
                  const TChar* ext) {
   if (buffer == nullptr || size == 0) return EINVAL;
-  if (MadeLength(drive, dir, name, ext) >= size) {
-    buffer[0] = 0;
-    return ERANGE;
-  }
-  return ::_wmakepath_s(buffer, size, drive, dir, name, ext);
+  // With room for what may come between the parts, and for the terminator.
+  const std::size_t most = LengthOf(drive) + LengthOf(dir) + LengthOf(name) + LengthOf(ext) + 4;
+  if (most <= size) return ::_wmakepath_s(buffer, size, drive, dir, name, ext);
+  TChar made[kLongestName] = {};
+  if (most <= kLongestName) ::_wmakepath_s(made, kLongestName, drive, dir, name, ext);
+  const std::size_t length = LengthOf(made);
+  const bool fits = most <= kLongestName && length < size;
+  std::copy_n(made, fits ? length + 1 : 0, buffer);
+  if (!fits) buffer[0] = 0;
+  return fits ? 0 : ERANGE;
 }
 
 int _wsplitpath_s(const TChar* path, TChar* drive, std::size_t driveSize, TChar* dir, std::size_t dirSize, TChar* name,

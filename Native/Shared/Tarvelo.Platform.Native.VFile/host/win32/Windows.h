@@ -18,16 +18,4 @@ namespace host::win32 {
 /// A name as the system's calls take it: a null one counts as empty.
 inline const wchar_t* NameOf(const TChar* name) { return name != nullptr ? name : L""; }
 
-/// Keeps the calling thread's last error over calls that are not the ones asked for.
-class KeptLastError {
- public:
-  KeptLastError() : error_(::GetLastError()) {}
-  ~KeptLastError() { ::SetLastError(error_); }
-  KeptLastError(const KeptLastError&) = delete;
-  KeptLastError& operator=(const KeptLastError&) = delete;
-
- private:
-  const DWORD error_;
-};
-
 }  // namespace host::win32
