@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <string>
 
+#include "System.h"
 #include "Texts.h"
 #include "hfile/HFile.h"
 #include "tcharvfile/TCharVFile.h"
@@ -21,10 +21,10 @@ struct Replacements {
 };
 
 /// Of a regular file, since others cannot be read twice.
-inline Replacements ReplacementsIn(const std::string& name) {
+inline Replacements ReplacementsIn(const TString& name) {
   Replacements found;
   HFile file;
-  file.OpenSeqRead(NameOf(name).c_str());
+  file.OpenSeqRead(name.c_str());
   unsigned char piece[1024];
   std::uint32_t lastThree = 0;
   while (!file.eof && file.res == resDone) {
@@ -47,14 +47,14 @@ inline std::int64_t CountOf(TCharVFile& text, const TChar* units) {
   return count;
 }
 
-inline void TellLoss(const std::string& name, std::int64_t count, const char* what) {
-  if (count > 0) std::fprintf(stderr, "%s: %" PRId64 " %s\n", name.c_str(), count, what);
+inline void TellLoss(const TString& name, std::int64_t count, const char* what) {
+  if (count > 0) std::fprintf(stderr, "%s: %" PRId64 " %s\n", NativeNameOf(name).c_str(), count, what);
 }
 
 /// Tells on standard error what of the file did not come into the text, which has just been loaded from it.
-inline void TellLossOfLoading(TCharVFile& text, const std::string& name, TCharVFile::Encoding form) {
+inline void TellLossOfLoading(TCharVFile& text, const TString& name, TCharVFile::Encoding form) {
   if (form == TCharVFile::encUtf16 || form == TCharVFile::encUtf16BE) return;
-  if (!std::filesystem::is_regular_file(name)) return;
+  if (!std::filesystem::is_regular_file(PathOf(name))) return;
   const Replacements before = ReplacementsIn(name);
   TellLoss(name, CountOf(text, TSTR("\uFFFD")) - before.inUtf8BeforeNul, "characters could not be kept");
   TellLoss(name, before.fromNulOn, "bytes from the first 0 byte on were left out");
@@ -62,10 +62,9 @@ inline void TellLossOfLoading(TCharVFile& text, const std::string& name, TCharVF
 
 /// Tells on standard error what of the text did not come into the file, to which it has just been saved, and which is, or will
 /// be, the one of that name.
-inline void TellLossOfSaving(TCharVFile& text, const std::string& file, TCharVFile::Encoding form,
-                             const std::string& name) {
+inline void TellLossOfSaving(TCharVFile& text, const TString& file, TCharVFile::Encoding form, const TString& name) {
   if (form == TCharVFile::encUtf16 || form == TCharVFile::encUtf16BE) return;
-  if (!std::filesystem::is_regular_file(file)) return;
+  if (!std::filesystem::is_regular_file(PathOf(file))) return;
   const Replacements after = ReplacementsIn(file);
   const std::int64_t lost = form == TCharVFile::encUtf8 ? after.inUtf8 - CountOf(text, TSTR("\uFFFD"))
                                                         : after.questionMarks - CountOf(text, TSTR("?"));

@@ -64,7 +64,7 @@ inline TString NameOf(std::string_view name) {
   return units;
 }
 
-/// A name or text that the library gave, as the system has it; the other way of `NameOf`.
+/// A name or text in UTF-8; the other way of `NameOf`.
 inline std::string NativeNameOf(const TString& name) {
   std::string bytes;
   const auto append = [&](char32_t character, int shift, unsigned mark) {
@@ -72,7 +72,8 @@ inline std::string NativeNameOf(const TString& name) {
   };
   for (std::size_t i = 0; i < name.size(); ++i) {
     char32_t character = name[i];
-    if (character >= 0xD800 && character < 0xDC00 && i + 1 < name.size()) {
+    const bool first = character >= 0xD800 && character < 0xDC00 && i + 1 < name.size();
+    if (first && name[i + 1] >= 0xDC00 && name[i + 1] < 0xE000) {
       character = 0x10000 + ((character - 0xD800) << 10) + (name[++i] - 0xDC00u);
     }
     if (character < 0x80 || (character >= 0xDC00 && character <= 0xDCFF)) {
@@ -101,7 +102,7 @@ inline std::string TextOf(std::int32_t res) {
   return NativeNameOf(units);
 }
 
-/// Throws the text of a result that is not `resDone`.
-inline void Check(std::int32_t res, const std::string& what) {
-  if (res != resDone) throw std::runtime_error(what + ": " + TextOf(res));
+/// Throws the text of a result that is not `resDone`, behind the name.
+inline void Check(std::int32_t res, const TString& name) {
+  if (res != resDone) throw std::runtime_error(NativeNameOf(name) + ": " + TextOf(res));
 }

@@ -2,10 +2,11 @@
 // lines there are if that is fewer. The file does not have to fit into memory, nor does a line.
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 
+#include "System.h"
 #include "Texts.h"
 #include "vfile/VFile.h"
 
@@ -40,29 +41,35 @@ std::int32_t PrintLines(VFile& text, std::int32_t first, std::int32_t last) {
 }
 
 /// 0 if it is no number above 0.
-std::int32_t NumberOf(const char* text) {
-  char* end;
-  const long number = std::strtol(text, &end, 10);
-  return *end == '\0' && number > 0 && number <= INT32_MAX ? static_cast<std::int32_t>(number) : 0;
+std::int32_t NumberOf(const TString& argument) {
+  const std::string text = NativeNameOf(argument);
+  const char* const behind = text.data() + text.size();
+  std::int32_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), behind, number);
+  return error == std::errc() && end == behind && number > 0 ? number : 0;
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  const std::int32_t first = argc > 2 ? NumberOf(argv[2]) : 1;
-  const std::int32_t last = argc > 3 ? NumberOf(argv[3]) : argc > 2 ? first : INT32_MAX;
-  if (argc < 2 || argc > 4 || first == 0 || last < first) {
+int Run(const Arguments& arguments) {
+  const std::size_t count = arguments.size();
+  const std::int32_t first = count > 1 ? NumberOf(arguments[1]) : 1;
+  const std::int32_t last = count > 2 ? NumberOf(arguments[2]) : count > 1 ? first : INT32_MAX;
+  if (count < 1 || count > 3 || first == 0 || last < first) {
     std::fputs("usage: lines FILE [FIRST [LAST]]\n", stderr);
     return 2;
   }
   try {
     VFile::SetMaxCacheSize(1024);
     VFile text;
-    text.Load(NameOf(argv[1]).c_str(), FILE_SHARE_READ);
-    Check(text.res, argv[1]);
+    const TString& name = arguments[0];
+    text.Load(name.c_str(), FILE_SHARE_READ);
+    Check(text.res, name);
     const std::int32_t lines = PrintLines(text, first, last);
-    if (lines < last && argc > 2) std::fprintf(stderr, "lines: %s has %d lines\n", argv[1], lines);
-    return lines < first && argc > 2 ? 1 : 0;
+    if (lines < last && count > 1) {
+      std::fprintf(stderr, "lines: %s has %d lines\n", NativeNameOf(name).c_str(), lines);
+    }
+    return lines < first && count > 1 ? 1 : 0;
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "lines: %s\n", failure.what());
     return 1;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "Losses.h"
+#include "System.h"
 #include "Texts.h"
 #include "tcharvfile/TCharVFile.h"
 
@@ -13,7 +14,8 @@ namespace {
 
 constexpr const char* kForms[] = {"ansi", "utf16", "utf16be", "utf8"};  // by the value of Encoding
 
-TCharVFile::Encoding FormOf(const std::string& name) {
+TCharVFile::Encoding FormOf(const TString& argument) {
+  const std::string name = NativeNameOf(argument);
   for (int form = TCharVFile::encAnsi; form <= TCharVFile::encUtf8; ++form) {
     if (name == kForms[form]) return static_cast<TCharVFile::Encoding>(form);
   }
@@ -22,22 +24,25 @@ TCharVFile::Encoding FormOf(const std::string& name) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  if (argc != 4) {
+int Run(const Arguments& arguments) {
+  if (arguments.size() != 3) {
     std::fputs("usage: recode ansi|utf8|utf16|utf16be IN OUT\n", stderr);
     return 2;
   }
   try {
-    const TCharVFile::Encoding form = FormOf(argv[1]);
+    const TCharVFile::Encoding form = FormOf(arguments[0]);
+    const TString& in = arguments[1];
+    const TString& out = arguments[2];
     TCharVFile text;
     TCharVFile::Encoding found;
-    text.LoadText(NameOf(argv[2]), found, FILE_SHARE_READ);
-    Check(text.res, argv[2]);
-    TellLossOfLoading(text, argv[2], found);
-    text.SaveText(NameOf(argv[3]), false, form, true);
-    Check(text.res, argv[3]);
-    TellLossOfSaving(text, argv[3], form, argv[3]);
-    std::printf("%s: %s, %d units; %s: %s\n", argv[2], kForms[found], text.TCharLength(), argv[3], kForms[form]);
+    text.LoadText(in, found, FILE_SHARE_READ);
+    Check(text.res, in);
+    TellLossOfLoading(text, in, found);
+    text.SaveText(out, false, form, true);
+    Check(text.res, out);
+    TellLossOfSaving(text, out, form, out);
+    std::printf("%s: %s, %d units; %s: %s\n", NativeNameOf(in).c_str(), kForms[found], text.TCharLength(),
+                NativeNameOf(out).c_str(), kForms[form]);
     return 0;
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "recode: %s\n", failure.what());

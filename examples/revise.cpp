@@ -8,19 +8,15 @@
 #include <algorithm>
 #include <charconv>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <sys/resource.h>
-#include <unistd.h>
 
 #include "Losses.h"
+#include "System.h"
 #include "Texts.h"
 #include "tcharvfile/TCharVFile.h"
 
@@ -52,8 +48,8 @@ struct Options {
   bool bom = true;
   std::string oldText;
   std::string newText;
-  fs::path in;
-  fs::path out;
+  TString in;
+  TString out;
 };
 
 std::int16_t CacheSizeOf(const std::string& value) {
@@ -70,12 +66,13 @@ TCharVFile::Encoding FormOf(const std::string& name) {
   return static_cast<TCharVFile::Encoding>(form - kForms);
 }
 
-Options ParseArguments(int argc, char** argv) {
+Options ParseArguments(const Arguments& arguments) {
   Options options;
-  int next = 1;
+  std::size_t next = 0;
   bool forTextAlone = false;
-  for (; next < argc && std::strncmp(argv[next], "--", 2) == 0; ++next) {
-    const std::string option = argv[next];
+  const auto hasNext = [&] { return next + 1 < arguments.size(); };
+  for (; next < arguments.size() && arguments[next].starts_with(TSTR("--")); ++next) {
+    const std::string option = NativeNameOf(arguments[next]);
     if (option == "--") {
       ++next;
       break;
@@ -90,38 +87,38 @@ Options ParseArguments(int argc, char** argv) {
     } else if (option == "--bom" || option == "--no-bom") {
       options.bom = option == "--bom";
       forTextAlone = true;
-    } else if (option == "--encoding" && next + 1 < argc) {
-      options.encoding = FormOf(argv[++next]);
+    } else if (option == "--encoding" && hasNext()) {
+      options.encoding = FormOf(NativeNameOf(arguments[++next]));
       forTextAlone = true;
-    } else if (option == "--cache" && next + 1 < argc) {
-      options.cacheKilobytes = CacheSizeOf(argv[++next]);
+    } else if (option == "--cache" && hasNext()) {
+      options.cacheKilobytes = CacheSizeOf(NativeNameOf(arguments[++next]));
     } else {
       throw WrongCall(kUsage);
     }
   }
-  if (argc - next != 4 || (forTextAlone && !options.text)) throw WrongCall(kUsage);
-  options.oldText = argv[next];
-  options.newText = argv[next + 1];
-  options.in = argv[next + 2];
-  options.out = argv[next + 3];
+  if (arguments.size() - next != 4 || (forTextAlone && !options.text)) throw WrongCall(kUsage);
+  options.oldText = NativeNameOf(arguments[next]);
+  options.newText = NativeNameOf(arguments[next + 1]);
+  options.in = arguments[next + 2];
+  options.out = arguments[next + 3];
   if (options.oldText.empty()) throw WrongCall("OLD is empty");
   return options;
 }
 
-std::int32_t CheckedSize(const fs::path& in) {
+std::int32_t CheckedSize(const TString& in) {
   std::error_code error;
-  const fs::file_status status = fs::status(in, error);
-  if (!fs::exists(status)) throw Failure(in.string() + ": not found");
-  if (!fs::is_regular_file(status)) throw Failure(in.string() + ": not a file");
-  const std::uintmax_t size = fs::file_size(in);
-  if (size > MaxLen) throw Failure(in.string() + ": over the limit of 2147483647 bytes");
+  const fs::file_status status = fs::status(PathOf(in), error);
+  if (!fs::exists(status)) throw Failure(NativeNameOf(in) + ": not found");
+  if (!fs::is_regular_file(status)) throw Failure(NativeNameOf(in) + ": not a file");
+  const std::uintmax_t size = fs::file_size(PathOf(in));
+  if (size > MaxLen) throw Failure(NativeNameOf(in) + ": over the limit of 2147483647 bytes");
   return static_cast<std::int32_t>(size);
 }
 
 /// Shows how far a transfer is, where standard error is a terminal.
 class Progress {
  public:
-  Progress(const char* what, std::int32_t total) : what_(what), total_(total), shown_(isatty(STDERR_FILENO) != 0) {}
+  Progress(const char* what, std::int32_t total) : what_(what), total_(total), shown_(IsTerminal(stderr)) {}
   ~Progress() {
     if (shown_) std::fprintf(stderr, "\r%*s\r", 40, "");
   }
@@ -137,25 +134,28 @@ class Progress {
 
 constexpr std::int32_t kStep = 4 << 20;
 
-void LoadFile(VFile& text, const fs::path& path, std::int32_t size) {
+void LoadFile(VFile& text, const TString& name, std::int32_t size) {
   HFile file;
-  file.OpenSeqRead(NameOf(path.native()).c_str());
-  Check(file.res, path);
+  file.OpenSeqRead(name.c_str());
+  Check(file.res, name);
   const Progress progress("loading", size);
   for (std::int32_t left = size; left > 0; left -= kStep) {
     progress.Show(size - left);
     text.Append(file, std::min(left, kStep));
-    Check(text.res, path);
+    Check(text.res, name);
     if (left <= kStep) break;
   }
 }
 
-// The file that is being written: removed when the program fails.
-char unfinishedName[4096];
+// The file that is being written: removed when the program fails. It may have become read-only like the one that it replaces.
+fs::path unfinished;
 
 void RemoveUnfinished() {
-  if (unfinishedName[0] != '\0') std::remove(unfinishedName);
-  unfinishedName[0] = '\0';
+  if (unfinished.empty()) return;
+  std::error_code error;
+  fs::permissions(unfinished, fs::perms::owner_write, fs::perm_options::add, error);
+  fs::remove(unfinished, error);
+  unfinished.clear();
 }
 
 /// The virtual memory ends the program where it cannot go on, such as on a full disk under the swap file.
@@ -164,61 +164,52 @@ void OnHalt(const TChar* message) {
   for (; *message != 0; ++message) std::fputc(*message == '\n' ? ' ' : static_cast<char>(*message), stderr);
   std::fputc('\n', stderr);
   RemoveUnfinished();
-  std::_Exit(1);
+  EndAtOnce(1);
 }
 
-/// Notes the name of a file that is about to come into being.
-void NoteUnfinished(const fs::path& path) { std::snprintf(unfinishedName, sizeof unfinishedName, "%s", path.c_str()); }
-
-void WriteFile(VFile& text, const fs::path& path, bool overwrite) {
+void WriteFile(VFile& text, const TString& name, bool overwrite) {
   HFile file;
-  file.CreateSeqWrite(NameOf(path.native()).c_str(), overwrite);
-  Check(file.res, path);
+  const fs::path path = PathOf(name);
+  file.CreateSeqWrite(name.c_str(), overwrite);
+  Check(file.res, name);
   const Progress progress("saving", text.Length());
-  if (!overwrite) NoteUnfinished(path);
+  if (!overwrite) unfinished = path;
   for (text.Reset(); !text.Eof() && text.res == resDone;) {
     progress.Show(text.GetPos());
     text.WriteToFile(file, kStep);
   }
-  Check(text.res, path);
+  Check(text.res, name);
   file.Flush();
-  Check(file.res, path);
+  Check(file.res, name);
   file.Close();
 }
 
-/// Has `write(path, overwrite)` write OUT. An existing file is replaced by a complete one in one step; a device is written as it
+/// Has `write(name, overwrite)` write OUT. An existing file is replaced by a complete one in one step; a device is written as it
 /// is.
 template <typename Write>
-void SaveOut(const fs::path& out, bool force, Write write) {
-  if (!force || !fs::exists(out)) {
+void SaveOut(const TString& out, bool force, Write write) {
+  const fs::path path = PathOf(out);
+  if (!force || !fs::exists(path)) {
     write(out, false);
-  } else if (!fs::is_regular_file(out)) {
+  } else if (!fs::is_regular_file(path)) {
     write(out, true);
   } else {
-    const fs::path target = fs::canonical(out);
-    const fs::path complete = target.string() + ".revise-" + std::to_string(getpid()) + "~";
-    write(complete, false);
+    const fs::path target = fs::canonical(path);
+    fs::path complete = target;
+    complete += ".revise-" + std::to_string(ProcessId()) + "~";
+    write(NameOfPath(complete), false);
     fs::permissions(complete, fs::status(target).permissions());
     fs::rename(complete, target);
   }
-  unfinishedName[0] = '\0';
-}
-
-/// The swap file has no name any more, but the system still lists it among the open files.
-std::uintmax_t SwapFileSize() {
-  std::error_code error;
-  for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd", error)) {
-    if (fs::read_symlink(entry, error).filename().string().starts_with("~vmem")) return fs::file_size(entry, error);
-  }
-  return 0;
+  unfinished.clear();
 }
 
 /// What the virtual memory takes, while there is a file.
 void ReportSpace() {
-  rusage usage;
-  getrusage(RUSAGE_SELF, &usage);
-  std::printf("cache %d of %d KB, swap file %ju bytes, peak memory %ld KB\n", VFile::GetCacheSize(),
-              VFile::GetMaxCacheSize(), SwapFileSize(), usage.ru_maxrss);
+  std::printf("cache %d of %d KB", VFile::GetCacheSize(), VFile::GetMaxCacheSize());
+  std::printf(", swap file %ju bytes", SwapFileSize().value_or(0));
+  if (const auto peak = PeakMemory()) std::printf(", peak memory %ju KB", *peak / 1024);
+  std::putchar('\n');
 }
 
 /// Gives the number of replacements, and the bytes that came out.
@@ -229,7 +220,7 @@ std::int32_t ReviseBytes(const Options& options, std::int32_t size, std::uintmax
       text.ReplaceGlobal(options.oldText.c_str(), options.newText.c_str(), options.ignoreCase, options.wholeWord);
   Check(text.res, options.in);
   written = static_cast<std::uintmax_t>(text.Length());
-  SaveOut(options.out, options.force, [&](const fs::path& path, bool overwrite) { WriteFile(text, path, overwrite); });
+  SaveOut(options.out, options.force, [&](const TString& name, bool overwrite) { WriteFile(text, name, overwrite); });
   ReportSpace();
   return count;
 }
@@ -237,20 +228,21 @@ std::int32_t ReviseBytes(const Options& options, std::int32_t size, std::uintmax
 std::int32_t ReviseText(const Options& options, std::uintmax_t& written) {
   TCharVFile text;
   TCharVFile::Encoding form;
-  text.LoadText(NameOf(options.in.native()), form, FILE_SHARE_READ);
+  text.LoadText(options.in, form, FILE_SHARE_READ);
   Check(text.res, options.in);
   TellLossOfLoading(text, options.in, form);
   const std::int32_t count = text.ReplaceGlobalTChars(
       UnitsOf(options.oldText).c_str(), UnitsOf(options.newText).c_str(), options.ignoreCase, options.wholeWord);
   Check(text.res, options.in);
   const TCharVFile::Encoding target = options.encoding.value_or(form);
-  SaveOut(options.out, options.force, [&](const fs::path& path, bool overwrite) {
+  SaveOut(options.out, options.force, [&](const TString& name, bool overwrite) {
+    const fs::path path = PathOf(name);
     // A name that exists is never taken, so what is there after a failure is this program's.
-    if (!overwrite && !fs::exists(path)) NoteUnfinished(path);
-    text.SaveText(NameOf(path.native()), overwrite, target, options.bom);
-    if (text.res == resAlreadyExists) unfinishedName[0] = '\0';
-    Check(text.res, path);
-    TellLossOfSaving(text, path, target, options.out);
+    if (!overwrite && !fs::exists(path)) unfinished = path;
+    text.SaveText(name, overwrite, target, options.bom);
+    if (text.res == resAlreadyExists) unfinished.clear();
+    Check(text.res, name);
+    TellLossOfSaving(text, name, target, options.out);
     written = fs::is_regular_file(path) ? fs::file_size(path) : 0;
   });
   std::printf("%s became %s\n", kForms[form].data(), kForms[target].data());
@@ -261,10 +253,12 @@ std::int32_t ReviseText(const Options& options, std::uintmax_t& written) {
 void Revise(const Options& options) {
   const auto start = std::chrono::steady_clock::now();
   const std::int32_t size = CheckedSize(options.in);
-  if (fs::exists(options.out)) {
-    if (fs::equivalent(options.in, options.out)) throw Failure("IN and OUT are the same file");
-    if (fs::is_directory(options.out)) throw Failure(options.out.string() + ": is a directory");
-    if (!options.force) throw Failure(options.out.string() + ": already exists (--force replaces it)");
+  const fs::path out = PathOf(options.out);
+  if (fs::exists(out)) {
+    const std::string shown = NativeNameOf(options.out);
+    if (fs::equivalent(PathOf(options.in), out)) throw Failure("IN and OUT are the same file");
+    if (fs::is_directory(out)) throw Failure(shown + ": is a directory");
+    if (!options.force) throw Failure(shown + ": already exists (--force replaces it)");
   }
   VFile::SetMaxCacheSize(options.cacheKilobytes);
   std::uintmax_t written = 0;
@@ -275,13 +269,11 @@ void Revise(const Options& options) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  // A file-size limit is a failure like a full disk.
-  std::signal(SIGXFSZ, SIG_IGN);
+int Run(const Arguments& arguments) {
   InstallHaltProc(OnHalt);
   int status = 0;
   try {
-    Revise(ParseArguments(argc, argv));
+    Revise(ParseArguments(arguments));
   } catch (const WrongCall& wrong) {
     std::fprintf(stderr, "revise: %s\n", wrong.what());
     status = 2;

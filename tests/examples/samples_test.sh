@@ -3,10 +3,10 @@
 # directory of the programs.
 set -u
 programs=$1
-scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
-cd "$scratch" || exit 1
-failures=0
+# shellcheck source=tests/examples/common.sh
+. "$(dirname "$0")/common.sh"
+suffix=
+[ "$host" = posix ] || suffix=.exe
 
 # Leaves these in the directory: pairs of a name and what it holds.
 with() {
@@ -17,14 +17,16 @@ with() {
   done
 }
 
-# Runs a sample under a file-size limit of 4 blocks of 512 bytes, which stands for a full disk, and looks at what there is then:
-# pairs of a name and what it holds, "*" for anything, and nothing else.
+# Runs a sample, on POSIX under a file-size limit of 4 blocks of 512 bytes, which stands for a full disk, and looks at what there
+# is then: pairs of a name and what it holds, "*" for anything, and nothing else.
 expect() { # NAME STATUS SAMPLE [FILE CONTENT]...
   name="$3, $1" status=$2
   (
-    trap '' XFSZ
-    ulimit -f 4
-    exec "$programs/$3"
+    if [ "$host" = posix ]; then
+      trap '' XFSZ
+      ulimit -f 4
+    fi
+    run "$programs/$3$suffix"
   )
   got=$?
   [ $got -eq "$status" ] || fail "status $got"
@@ -57,6 +59,7 @@ for row in 'readme_1 big.log revised.log' 'vfile big.log revised.log' 'tcharvfil
   expect "an input that cannot be read" 1 "$sample" "$in" "*" "$out" old
   with "$in" "$text" "$out" old
   expect "over a file" 1 "$sample" "$in" "$text" "$out" old
+  only_posix "$sample, a full disk" || continue
   with "$in" "$long"
   expect "a full disk" 1 "$sample" "$in" "$long" "$out" "*"
 done
