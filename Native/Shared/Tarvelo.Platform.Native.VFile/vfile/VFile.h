@@ -62,6 +62,10 @@
 #include "vfile/Blocks.h"
 #include "vfile/Comparison.h"
 
+// A system's header may have made this a macro for a function of its own, under which the member would be another one. Code that
+// has such a header behind this one repeats the line.
+#undef ReplaceFile
+
 class BlkPool;
 class VMem;
 namespace vfile {
