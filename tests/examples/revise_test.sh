@@ -86,7 +86,7 @@ for start in "$mark" ""; do
   [ -n "$start" ] || only_posix "UTF-8 as the code page" || continue
   printf '%sa\377b\303 \357\277\275' "$start" >ill
   told "ill-formed bytes" "ill: 2 characters could not be kept" "$revise" --text --force zebra x ill out12
-  printf '%sa\357\277\275\377\000\357\277\275' "$start" >cut
+  printf '%sa\357\277\275\377\000\357\277\275' "$start" >"cut"
   rm -f out13
   told "a 0 byte" "cut: 1 characters could not be kept
 cut: 4 bytes from the first 0 byte on were left out" "$recode" utf16 cut out13

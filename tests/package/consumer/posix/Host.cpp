@@ -1,4 +1,5 @@
-// An object of a thread, which is destroyed before the library takes its values from the thread.
+// An object of a thread. Its destructor runs before the library takes its values from the thread, which not every host's compiler and
+// loader see to.
 
 #include "../Host.h"
 
