@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/Halts.h"
 #include "support/HostFiles.h"
 
 namespace {
@@ -23,6 +24,40 @@ TEST_F(HostFiles, OpenByNameAndDisposition) {
     const HANDLE file = host::CreateFileW(none, host::GENERIC_READ, 0, host::OPEN_ALWAYS, 0);
     EXPECT_EQ(ErrorOf(file != INVALID_HANDLE_VALUE), 3u);
   }
+}
+
+TEST(HostNumbers, HaveTheirDigitsIfTheyFit) {
+  const struct {
+    std::int64_t value;
+    int base;
+    std::string narrow, wide;  // of 32 and of 64 bits
+  } rows[] = {{0, 2, "0", "0"},
+              {-1, 2, std::string(32, '1'), std::string(64, '1')},
+              {-1, 8, "37777777777", "1777777777777777777777"},
+              {-1, 10, "-1", "-1"},
+              {-1, 16, "ffffffff", "ffffffffffffffff"},
+              {-42, 16, "ffffffd6", "ffffffffffffffd6"},
+              {-42, 36, "1z141xy", "3w5e11264sgra"},
+              {INT32_MIN, 10, "-2147483648", "-2147483648"},
+              {INT32_MAX, 36, "zik0zj", "zik0zj"}};
+  char text[66];
+  TChar units[66];
+  for (const auto& [value, base, narrow, wide] : rows) {
+    const auto low = static_cast<std::int32_t>(value);
+    EXPECT_TRUE(host::_itoa_s(low, text, narrow.size() + 1, base) == 0 && text == narrow) << value << ' ' << base;
+    EXPECT_TRUE(host::_ltow_s(low, units, 66, base) == 0 && support::Narrow(units) == narrow) << value << ' ' << base;
+    EXPECT_TRUE(host::_i64toa_s(value, text, 66, base) == 0 && text == wide) << value << ' ' << base;
+    EXPECT_TRUE(host::_i64tow_s(value, units, wide.size() + 1, base) == 0 && support::Narrow(units) == wide) << value;
+    EXPECT_TRUE(host::_itoa_s(low, text, narrow.size(), base) == 34 && text[0] == 0) << value << ' ' << base;
+    EXPECT_TRUE(host::_i64tow_s(value, units, wide.size(), base) == 34 && units[0] == 0) << value << ' ' << base;
+  }
+  EXPECT_TRUE(host::_ui64toa_s(UINT64_MAX, text, 66, 10) == 0 && text == std::string("18446744073709551615"));
+  EXPECT_TRUE(host::_ultow_s(UINT32_MAX, units, 66, 10) == 0 && support::Narrow(units) == "4294967295");
+  for (const int base : {1, 37}) {
+    text[0] = 'x';
+    EXPECT_TRUE(host::_ltoa_s(1, text, 66, base) == 22 && text[0] == 0) << base;
+  }
+  EXPECT_TRUE(host::_itow_s(1, nullptr, 4, 10) == 22 && host::_itow_s(1, units, 0, 10) == 22);
 }
 
 }  // namespace

@@ -75,6 +75,8 @@ TEST(Strings, TrimmingBlanksAndComparison) {
   EXPECT_TRUE(EqualStr(TSTR("ab"), TSTR("ab")) && !EqualStr(TSTR("ab"), TSTR("aB")) &&
               !EqualStr(TSTR("a"), TSTR("ab")));
   EXPECT_TRUE(EqualStrI(TSTR("AbcZ"), TSTR("aBCz")) && !EqualStrI(TSTR("@"), TSTR("`")));
+  const TChar umlauts[] = {0xC4, 0, 0xE4, 0};
+  EXPECT_TRUE(host::_wcsicmp(umlauts, umlauts + 2) < 0 && host::_wcsicmp(TSTR("_"), TSTR("Z")) < 0);
 }
 
 TEST(Results, OfHostErrorsAndTheirTexts) {

@@ -54,7 +54,8 @@ class InDirectory : public testing::Test {
     if (!failed) return;
     // Some hosts spare what is read-only.
     for (const auto& entry : std::filesystem::recursive_directory_iterator(directory_)) SetReadOnly(entry, false);
-    std::filesystem::remove_all(directory_);
+    std::filesystem::remove_all(directory_, failed);
+    EXPECT_FALSE(failed) << failed.message();
   }
 
   std::filesystem::path Path(const std::string& name) const { return directory_ / name; }

@@ -74,6 +74,16 @@ TEST_F(HostFiles, OpenOnDrives) {
   }
 }
 
+TEST_F(HostFiles, OpenNothingOnADriveThatIsNone) {
+  SKIP_UNDER_WINE("the file is said to be missing, not the path");
+  TString missing = L"A:\\x";
+  while (missing[0] < L'Z' && host::GetFileAttributesW(missing.substr(0, 3).c_str()) != host::INVALID_FILE_ATTRIBUTES) {
+    ++missing[0];
+  }
+  const HANDLE file = host::CreateFileW(missing.c_str(), host::GENERIC_READ, 0, host::OPEN_EXISTING, 0);
+  EXPECT_EQ(support::ErrorOf(file != INVALID_HANDLE_VALUE), 3u);
+}
+
 TEST_F(HostFiles, MoveAndTellTheirPosition) {
   Put("file", "0123456789");
   const HANDLE file = Opened("file", kReadWrite, 0);

@@ -111,9 +111,6 @@ TEST_F(NativeNames, RefuseRoomAndNullWithAnError) {
     if (room == 1) continue;
     EXPECT_TRUE(host::_wmakepath_s(full, room - 1, drive, dir, name, ext) == 34 && full[0] == 0) << Narrow(made);
   }
-  char digits[4] = "x";
-  EXPECT_TRUE(host::_itoa_s(1234, digits, 4, 10) == 34 && digits[0] == 0 && host::_itoa_s(123, digits, 4, 10) == 0);
-  EXPECT_TRUE(host::_itoa_s(1, digits, 4, 37) == 22 && digits[0] == 0 && host::_itoa_s(1, nullptr, 4, 10) == 22);
 }
 
 TEST_F(NativeNames, OfVariablesHaveValues) {
