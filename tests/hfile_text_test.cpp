@@ -12,8 +12,8 @@ struct HFileText : support::InDirectory {
   char buffer[16];
 
   void Open(const std::string& content) {
-    Put("file", content);
     if (file.IsOpen()) file.Close();
+    Put("file", content);
     EXPECT_TRUE(file.Open(name.c_str()));
   }
   template <typename Value>
@@ -25,10 +25,11 @@ struct HFileText : support::InDirectory {
     file.Reset();
     (file.*read)(value);
     EXPECT_TRUE(value == written && file.Length() == sizeof(Value) && !file.eof && file.res == resDone);
-    EXPECT_EQ(Content("file")[0], '\xF8');
     file.SetPos(sizeof(Value) - 1);
     (file.*read)(value);
     EXPECT_EQ(file.eof, sizeof(Value) > 1);
+    file.Close();
+    EXPECT_EQ(Content("file")[0], '\xF8');
   }
 };
 
@@ -84,6 +85,7 @@ TEST_F(HFileText, NumbersGoOutAsTextAndCharactersAsThemselves) {
     file.radix = none;
     file << 5;
   }
+  file.Close();
   EXPECT_EQ(Content("file"), "ABC text -12 65535 -2147483648 4294967295 " + std::to_string(LONG_MIN) + ' ' +
                                  std::to_string(ULONG_MAX) + " -9223372036854775808 18446744073709551615\r\nssu " +
                                  std::string(32, '1') + ' ' + std::string(64, '1'));

@@ -21,7 +21,9 @@ constinit bool slotInUse[kSlotCount] = {};
 constinit std::int32_t slotHighWater = 0;  // numbers from here on were never handed out since the last reset
 host::CRITICAL_SECTION slotLock;
 
-thread_local bool hadTable = false;
+/// Stands in a thread's pointer in place of a table that it had. No `thread_local` object tells of that: where the compiler keeps
+/// these by keys of a thread library, what is written at a thread's very start is lost.
+constinit ThreadSlotTable tableIsGone = {};
 
 class Lock {
  public:
@@ -35,7 +37,15 @@ bool IsRunning() { return tlsIndex != host::TLS_OUT_OF_INDEXES; }
 
 bool IsSlot(std::int32_t slot) { return static_cast<std::uint32_t>(slot) < static_cast<std::uint32_t>(kSlotCount); }
 
-ThreadSlotTable* Table() { return IsRunning() ? static_cast<ThreadSlotTable*>(host::TlsGetValue(tlsIndex)) : nullptr; }
+/// What stands in the calling thread's pointer.
+ThreadSlotTable* TableOrMark() {
+  return IsRunning() ? static_cast<ThreadSlotTable*>(host::TlsGetValue(tlsIndex)) : nullptr;
+}
+
+ThreadSlotTable* Table() {
+  ThreadSlotTable* table = TableOrMark();
+  return table != &tableIsGone ? table : nullptr;
+}
 
 }  // namespace
 
@@ -88,20 +98,21 @@ bool TlsTableCreate() {
   auto* table = new (std::nothrow) ThreadSlotTable{};
   if (table == nullptr) return false;
   host::TlsSetValue(tlsIndex, table);
-  hadTable = true;
   host::NotifyThreadEnd();
   return true;
 }
 
 bool TlsTableDelete() {
   if (!IsRunning()) return false;
-  delete Table();
-  return host::TlsSetValue(tlsIndex, nullptr);
+  ThreadSlotTable* table = TableOrMark();
+  if (table == nullptr || table == &tableIsGone) return true;
+  delete table;
+  return host::TlsSetValue(tlsIndex, &tableIsGone);
 }
 
 bool TlsTableExists() { return Table() != nullptr; }
 
-bool TlsTableWasCreated() { return hadTable; }
+bool TlsTableWasCreated() { return TableOrMark() != nullptr; }
 
 SlotValue TlsSlotGet(std::int32_t slot) {
   const ThreadSlotTable* table = Table();

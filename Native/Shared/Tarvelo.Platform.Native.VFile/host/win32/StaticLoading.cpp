@@ -1,4 +1,4 @@
-// The library as part of a program or of another DLL. The loader tells of the load and of threads by a callback for thread-local storage,
+// The library as part of a program or of another DLL. The loader tells of the load and of threads by callbacks for thread-local storage,
 // before any object of the module is made. The end comes from the C runtime, by a handler that is registered before any
 // other of the module's and so runs behind them all; a callback would come before the module's objects are gone, or not at all.
 
@@ -13,6 +13,7 @@ extern "C" IMAGE_DOS_HEADER __ImageBase;
 #if defined(_MSC_VER)
 #pragma section(".CRT$XCB", read)
 #pragma section(".CRT$XLB", read)
+#pragma section(".CRT$XLY", read)
 #pragma comment(linker, "/INCLUDE:_tls_used")
 #define IN_SECTION(name) extern "C" __declspec(allocate(name))
 #else
@@ -35,22 +36,17 @@ void Detach() {
   ModuleEntry(IsInProgram() && otherThreads > 0 ? DLL_THREAD_DETACH : DLL_PROCESS_DETACH);
 }
 
-void NTAPI OnNotification(void* /*module*/, DWORD reason, void* /*reserved*/) {
-  switch (reason) {
-    case DLL_PROCESS_ATTACH:
-      attached = ModuleEntry(reason) != 0;
-      break;
-    case DLL_THREAD_ATTACH:
-      ++otherThreads;
-      if (attached) ModuleEntry(reason);
-      break;
-    case DLL_THREAD_DETACH:
-      if (attached) ModuleEntry(reason);
-      --otherThreads;
-      break;
-    default:
-      break;
-  }
+void NTAPI OnAttach(void* /*module*/, DWORD reason, void* /*reserved*/) {
+  if (reason == DLL_PROCESS_ATTACH) attached = ModuleEntry(reason) != 0;
+  if (reason != DLL_THREAD_ATTACH) return;
+  ++otherThreads;
+  if (attached) ModuleEntry(reason);
+}
+
+void NTAPI OnThreadDetach(void* /*module*/, DWORD reason, void* /*reserved*/) {
+  if (reason != DLL_THREAD_DETACH) return;
+  if (attached) ModuleEntry(reason);
+  --otherThreads;
 }
 
 void OnStart() { std::atexit(Detach); }
@@ -62,4 +58,7 @@ void NotifyThreadEnd() {}
 }  // namespace host
 
 IN_SECTION(".CRT$XCB") void (*const vfileStart)() = host::OnStart;
-IN_SECTION(".CRT$XLB") const PIMAGE_TLS_CALLBACK vfileCallback = host::OnNotification;
+// The C runtime's own callbacks, which make and destroy a thread's thread-local objects, stand between the two: such an object may be a
+// file.
+IN_SECTION(".CRT$XLB") const PIMAGE_TLS_CALLBACK vfileAttach = host::OnAttach;
+IN_SECTION(".CRT$XLY") const PIMAGE_TLS_CALLBACK vfileThreadDetach = host::OnThreadDetach;
