@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "fuzz/Fuzz.h"
+#include "support/CodePage1252.h"
+#include "support/Files.h"
 #include "support/Texts.h"
 
 namespace fuzz {
@@ -65,6 +67,9 @@ inline TString WithoutUnpaired(TString units, TChar replacement) {
   return units;
 }
 
+/// Whether the ANSI form is UTF-8; else it is 1252.
+inline bool IsUtf8Active() { return host::GetACP() == host::CP_UTF8; }
+
 /// Two bytes as a unit each, the one at `high` of them the high one.
 inline TString FromUtf16(const std::string& bytes, std::size_t high) {
   TString units;
@@ -81,7 +86,9 @@ inline std::string CheckLoad(support::TextPeek& text, const TString& file, const
   const std::string rest = bytes.substr(kMarks[form].size());
   const TString units = form == TCharVFile::encUtf16     ? FromUtf16(rest, 1)
                         : form == TCharVFile::encUtf16BE ? FromUtf16(rest, 0)
-                                                         : FromUtf8(rest.substr(0, rest.find('\0')));
+                        : form == TCharVFile::encAnsi && !IsUtf8Active()
+                            ? support::From1252(rest.substr(0, rest.find('\0')))
+                            : FromUtf8(rest.substr(0, rest.find('\0')));
   TCharVFile::Encoding encoding = TCharVFile::encUtf8;
   text.LoadText(file, encoding, 0);
   Check(text.res == resDone && encoding == static_cast<int>(form) && text.pos == 0 && !text.eof);
@@ -93,7 +100,7 @@ inline std::string CheckLoad(support::TextPeek& text, const TString& file, const
 /// for the ANSI form.
 inline void CheckForm(const std::filesystem::path& path, const std::string& bytes, int number, bool withMark,
                       bool inSmallBlocks = false) {
-  const TString name = path.u16string();
+  const TString name = support::Units(path);
   const int form = number >= 0 && number < 4 ? number : TCharVFile::encAnsi;
   std::ofstream(path, std::ios::binary) << bytes;
   support::TextPeek text;
@@ -114,7 +121,9 @@ inline void CheckForm(const std::filesystem::path& path, const std::string& byte
   if (form == TCharVFile::encUtf16) Check(rest == content);
   if (form == TCharVFile::encUtf16BE) Check(FromUtf16(rest, 0) == units && rest.size() == 2 * units.size());
   if (form == TCharVFile::encUtf8) Check(FromUtf8(rest) == WithoutUnpaired(units, 0xFFFD));
-  if (form == TCharVFile::encAnsi) Check(FromUtf8(rest) == WithoutUnpaired(units, '?'));
+  if (form == TCharVFile::encAnsi) {
+    Check(IsUtf8Active() ? FromUtf8(rest) == WithoutUnpaired(units, '?') : rest == support::To1252(units));
+  }
   CheckLoad(text, name, saved);
 }
 
