@@ -10,7 +10,6 @@
 
 #include "fuzz/Fuzz.h"
 #include "support/CodePage1252.h"
-#include "support/Files.h"
 #include "support/Texts.h"
 
 namespace fuzz {
@@ -100,7 +99,8 @@ inline std::string CheckLoad(support::TextPeek& text, const TString& file, const
 /// for the ANSI form.
 inline void CheckForm(const std::filesystem::path& path, const std::string& bytes, int number, bool withMark,
                       bool inSmallBlocks = false) {
-  const TString name = support::Units(path);
+  const std::u16string units16 = path.u16string();
+  const TString name(units16.begin(), units16.end());
   const int form = number >= 0 && number < 4 ? number : TCharVFile::encAnsi;
   std::ofstream(path, std::ios::binary) << bytes;
   support::TextPeek text;
@@ -114,6 +114,7 @@ inline void CheckForm(const std::filesystem::path& path, const std::string& byte
   text.SaveText(name, true, static_cast<TCharVFile::Encoding>(number), withMark);
   std::ifstream file(path, std::ios::binary);
   const std::string saved(std::istreambuf_iterator<char>(file), {});
+  file.close();
   const std::string mark = withMark ? kMarks[form] : "";
   Check(text.res == resDone && saved.starts_with(mark));
   Check(text.pos == (form == TCharVFile::encUtf16 ? text.length : 2 * text.TCharLength()));

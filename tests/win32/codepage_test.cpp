@@ -42,22 +42,6 @@ TEST_F(CodePage, LoadsEachByteAndSavesEachUnit) {
   for (std::size_t unit = 0; unit < saved.size(); ++unit) EXPECT_EQ(saved[unit], expected[unit]) << std::hex << unit;
 }
 
-// The table's own rows, so that a slip in it shows.
-TEST_F(CodePage, HasTheseRows) {
-  const std::tuple<const char*, const char*> rows[] = {{"80 81 8D 8F 90 9D 9F 65 B4", "20AC 81 8D 8F 90 9D 178 65 B4"},
-                                                       {"A0 B5 E9 FF", "A0 B5 E9 FF"}};
-  for (const auto& [bytes, units] : rows) {
-    EXPECT_EQ(From1252(support::Hex<std::string>(bytes)), support::Hex<TString>(units));
-    EXPECT_EQ(To1252(support::Hex<TString>(units)), support::Hex<std::string>(bytes));
-  }
-  EXPECT_EQ(To1252(support::Hex<TString>("2212 2032 2033 3B1 391 3A9 221E 2264 2260 2044 2003 2009 301 308 110 FF21")),
-            support::Hex<std::string>("2D 27 3F 61 3F 4F 38 3D 3F 2F 20 3F B4 A8 D0 41"));
-  EXPECT_EQ(To1252(support::Hex<TString>("80 99 9F FEFF FFFD E000 D83D DE00 FF1F 4E00")), std::string(10, '?'));
-  std::string kept;
-  for (const char byte : To1252(All<TString>(0))) kept += byte == '?' ? "" : "x";
-  EXPECT_EQ(kept.size(), 255u + 441u - 1u);
-}
-
 /// Converts the input in pieces, into rooms; what is left of a piece comes first in the next.
 std::string Converted(Conversion::Direction direction, const std::string& input, std::size_t piece, std::size_t room) {
   Conversion conversion(direction);

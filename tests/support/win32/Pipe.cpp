@@ -26,11 +26,11 @@ std::pair<HANDLE, HANDLE> OpenEnds(DWORD readMode) {
 HANDLE support::OpenPipe(const std::string& content) {
   const auto [reader, writer] = OpenEnds(PIPE_READMODE_BYTE);
   // A write of nothing is read as an end. Without it there is an error where the other end is closed.
-  for (const std::string& piece : {content, std::string()}) {
-    DWORD done = 0;
-    if (!::WriteFile(writer, piece.data(), static_cast<DWORD>(piece.size()), &done, nullptr)) std::abort();
-    if (content.empty()) break;
-  }
+  const auto size = static_cast<DWORD>(content.size());
+  DWORD done = 0;
+  const bool written = ::WriteFile(writer, content.data(), size, &done, nullptr) != FALSE &&
+                       (size == 0 || ::WriteFile(writer, content.data(), 0, &done, nullptr) != FALSE);
+  if (!written) std::abort();
   ::CloseHandle(writer);
   return reader;
 }
