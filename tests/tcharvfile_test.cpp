@@ -1,4 +1,3 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -62,12 +61,12 @@ const struct {
     // clang-format off
     {EDIT(t.InsertTChar('x'); t.InsertTChar('y', 2)), "axyybcd 8 0 b2,0,2 b4,0,2 b6,0,2"},
     {EDIT(t.InsertTChar('x', 0); t.AppendTChar('x', -1)), "abcd 2 0"},
-    {EDIT(t.InsertTChars(TSTR("xyz"), 2); t.InsertTChars(TString(3, u'z'), 1)), "axyzbcd 8 0 b2,0,4 b6,0,2"},
+    {EDIT(t.InsertTChars(TSTR("xyz"), 2); t.InsertTChars(TString(3, TSTR('z')), 1)), "axyzbcd 8 0 b2,0,4 b6,0,2"},
     {EDIT(t.InsertTStr(TSTR("xy\0z")); t.InsertTStr(TString(1, 0))), "axy.bcd 8 0 b2,0,4 b6,0,2"},
     {EDIT(t.InsertTChars(o, 1, 2); t.InsertTChars(o, 2, MaxLen)), "a122bcd 8 0 t2,0,2,4 t6,0,4,max"},
     {EDIT(t.InsertTChars(t, 0, 4)), "aabcdbcd 10 0 t2,0,0,8"},
     {EDIT(t.AppendTChar('x'); t.AppendTChar('y', 2)), "abcdxyy 14 0 b8,0,2 b10,0,2 b12,0,2"},
-    {EDIT(t.AppendTChars(TString(3, u'z'), 1)), "abcdz 10 0 b8,0,2"},
+    {EDIT(t.AppendTChars(TString(3, TSTR('z')), 1)), "abcdz 10 0 b8,0,2"},
     {EDIT(t.AppendTStr(TSTR("x")); t.AppendTStr(TString(1, 0))), "abcdx. 12 0 b8,0,2 b10,0,2"},
     {EDIT(t.AppendTChars(o, 0, 1)), "abcd0 10 0 t8,0,0,2"}, {EDIT(t.DeleteTChars(3, MaxLen)), "abc 6 0 b6,max,0"},
     {EDIT(t.DeleteTChars(0x40000000, 1)), "abcd 8 0 bmax,2,0"}, {EDIT(t.TruncateTChars()), "a 2 0 b2,max,0"},
@@ -162,7 +161,7 @@ TEST(HugeStrings, AreTooLongAndNeverCut) {
   const support::HugeString huge;
   const char* bytes = huge.Bytes(support::HugeString::kNoCount);
   const TChar* units = huge.Units(support::HugeString::kNoCount);
-  HFile file(host::HandleFromDescriptor(open("/dev/null", O_WRONLY)));
+  HFile file(support::OpenPipe(""));
   file.Write(bytes);
   EXPECT_EQ(file.res, resTooLong);
   EXPECT_EQ(VFile(bytes).res, resTooLong);

@@ -1,9 +1,9 @@
 #include <deque>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <thread>
 
 #include "support/Chains.h"
+#include "support/Files.h"
 #include "support/Halts.h"
 #include "support/Heap.h"
 
@@ -111,12 +111,15 @@ struct Row {
   std::string log = "";
 };
 
+using Primitives = support::InDirectory;
+
 // On "0123456789" in two blocks, from position 3.
-TEST(Primitives, KeepTheirContract) {
-  const HANDLE unreadable = host::HandleFromDescriptor(open("/dev/null", O_WRONLY));
+TEST_F(Primitives, KeepTheirContract) {
+  const HANDLE unreadable =
+      host::CreateFileW(Name("file").c_str(), host::GENERIC_WRITE, 0, host::CREATE_NEW, host::FILE_ATTRIBUTE_NORMAL);
   HFile closed;
   HFile writeOnly(unreadable);
-  HFile failed(host::HandleFromDescriptor(open("/dev/zero", O_RDONLY)));
+  HFile failed(support::OpenPipe(kNew));
   failed.res = resNetworkError;
   const VFile other("a\nbcd");
   // clang-format off

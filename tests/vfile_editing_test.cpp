@@ -32,7 +32,7 @@ struct Recorder : Chain {
     Note("HFile ", at, del, Text(file.radix), count);
   }
   void ReplaceFile(I32 at, I32 del, HANDLE file, I32 count) override {
-    Note("Handle ", at, del, Text(host::DescriptorFromHandle(file)), count);
+    Note("Handle ", at, del, Text(static_cast<I32>(reinterpret_cast<std::intptr_t>(file))), count);
   }
 
   std::string log;
@@ -45,7 +45,7 @@ struct Recorder : Chain {
 
 TEST(Editing, EachVerbOfEachSourceIsOneCallOfAPrimitive) {
   const VFile source("012345678");
-  const HANDLE handle = host::HandleFromDescriptor(77);
+  const HANDLE handle = reinterpret_cast<HANDLE>(std::intptr_t{77});
   const signed char s = 'x';
   const unsigned char u = 'x';
   const std::int64_t q = 0x4847464544434241;
@@ -126,7 +126,7 @@ TEST(Editing, AConstructorThatHaltsLeavesNothingOfItself) {
     const support::FullDisk disk(0);
 #define CONSTRUCT(...) [&] { __VA_ARGS__; }
     const Pipe pipe(text);
-    HFile file(host::HandleFromDescriptor(dup(Pipe(text).ends[0])));
+    HFile file(support::OpenPipe(text));
     const std::function<void()> constructions[] = {CONSTRUCT(VFile('x', 5000)), CONSTRUCT(VFile(text.c_str())),
                                                    CONSTRUCT(VFile(pipe.Handle(), 5000)), CONSTRUCT(VFile(file, 5000)),
                                                    CONSTRUCT(VFile{source})};

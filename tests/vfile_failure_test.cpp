@@ -1,9 +1,6 @@
 // What is left of files where the virtual memory refuses a page in the middle of an operation, or has no room.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include "support/Disk.h"
 #include "support/Files.h"
@@ -114,7 +111,9 @@ bool RunOnFailingDisk(const Operation& operation, int k, FailingDisk::Kind kind,
   return halted;
 }
 
-TEST(Halts, LeaveTheOldOrTheNewContent) {
+using Halts = support::InDirectory;
+
+TEST_F(Halts, LeaveTheOldOrTheNewContent) {
   Peek source;
   source.AppendBytes(Pattern(2000, 9).data(), 2000);
   for (const auto& operation : Operations(source)) {
@@ -140,14 +139,13 @@ TEST(Halts, LeaveTheOldOrTheNewContent) {
 }
 
 // Behind a halt that returned there is nothing more to be had, so that every loop comes to an end.
-TEST(Halts, ReadsEndWhereAPageIsRefused) {
+TEST_F(Halts, ReadsEndWhereAPageIsRefused) {
   VFile::SetMaxCacheSize(0);
   char bytes[4000];
   I32 at = 0;
   const Chain same({1024, 1024, 1024});
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  const HANDLE sink = host::HandleFromDescriptor(ends[1]);
+  HFile sink;
+  ASSERT_TRUE(sink.Create(Name("sink").c_str(), false));
 #define READ(result) [&](Peek& f) { return result; }
   // clang-format off
   const std::function<bool(Peek&)> reads[] = {
@@ -169,8 +167,6 @@ TEST(Halts, ReadsEndWhereAPageIsRefused) {
     EXPECT_TRUE(file.res == resHeapOverflow || row == 5) << file.res;
     EXPECT_TRUE(Bytes(file) == Pattern(3072));
   }
-  close(ends[0]);
-  close(ends[1]);
   VFile::SetMaxCacheSize(70);
 }
 
@@ -276,9 +272,7 @@ struct RoomRow {
 
 TEST(Room, IsLookedAtBeforeItIsUsed) {
   VFile::SetMaxCacheSize(70);
-  const int regular = memfd_create("source", 0);
-  ASSERT_EQ(write(regular, kNew.data(), kNew.size()), 3000);
-  const HANDLE file = host::HandleFromDescriptor(regular);
+  const HANDLE file = support::OpenRegular(kNew);
   // clang-format off
   const RoomRow rows[] = {
       {DO(f.ReplaceBuf(500, 1, "x", 1)), 0}, {DO(f.Delete(0, MaxLen)), 0}, {DO(f.Delete(500, 1)), 0},
@@ -300,21 +294,21 @@ TEST(Room, IsLookedAtBeforeItIsUsed) {
       EndOfSpace(sample) = (kPages - std::max(left - 2, 0)) * BlkSize;
       const Chain* keepsTheRest = left < 2 ? new Chain(Lengths(Size(2 - left), 1)) : nullptr;
       const I32 end = EndOfSpace(sample);
-      lseek(regular, 0, SEEK_SET);
+      host::SetFilePointer(file, 0, host::FILE_BEGIN);
       sample.SetPos(3);
       run(sample);
       EXPECT_EQ(sample.res, left < pages ? resTooLong : resDone);
       if (left < pages) {
         EXPECT_EQ(support::Lens(sample), (Lengths{1024, 500}));
         EXPECT_TRUE(Bytes(sample) == Pattern(1524));
-        EXPECT_EQ(lseek(regular, 0, SEEK_CUR), 0);
+        EXPECT_EQ(host::SetFilePointer(file, 0, host::FILE_CURRENT), 0u);
         EXPECT_EQ(EndOfSpace(sample) - end, 0);
       }
       EXPECT_HALT("", sample.CheckInvariants());
       delete keepsTheRest;
     }
   }
-  close(regular);
+  host::CloseHandle(file);
 }
 
 // What was read first took the pages, the one for the empty block as well.

@@ -1,6 +1,3 @@
-#include <fcntl.h>
-#include <sys/socket.h>
-
 #include "support/Chains.h"
 #include "support/Files.h"
 #include "support/FullDisk.h"
@@ -10,8 +7,6 @@ using support::Bytes, support::Chain, support::I32, support::Lengths, support::P
 namespace {
 
 using Transfer = support::InDirectory;
-
-HANDLE OpenHandle(const char* name, int mode) { return host::HandleFromDescriptor(open(name, mode)); }
 
 TEST_F(Transfer, SavesAndLoadsTheBytes) {
   const TString name = Name("file");
@@ -45,16 +40,15 @@ TEST_F(Transfer, SavesAndLoadsTheBytes) {
 }
 
 TEST_F(Transfer, WritesUpToACountInPiecesOf1024) {
-  int ends[2];
-  ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
-  HFile target(host::HandleFromDescriptor(ends[0]));
-  HFile other(host::HandleFromDescriptor(ends[1]));
+  const auto [reader, writer] = support::OpenChannel();
+  HFile target(writer);
+  HFile other(reader);
   Chain file({1000, 1000, 1000});
   file.SetPos(1);
   file.WriteToFile(target, 0);
   file.WriteToFile(target, 1500);
   EXPECT_EQ(file.GetPos(), 1501);
-  file.WriteToFile(host::HandleFromDescriptor(ends[0]), 1028);
+  file.WriteToFile(writer, 1028);
   file.WriteToFile(target, MaxLen);
   EXPECT_EQ(file.res, resDone);
   EXPECT_TRUE(file.Eof());
@@ -86,8 +80,9 @@ TEST_F(Transfer, EndsWithWhatThereIs) {
 
 TEST_F(Transfer, RefusalsAndFailuresStopIt) {
   Put("two", "XY");
-  const HANDLE full = OpenHandle("/dev/full", O_WRONLY);
-  const HANDLE null = OpenHandle("/dev/null", O_RDONLY);
+  const HANDLE full =
+      host::CreateFileW(Name("full").c_str(), host::GENERIC_WRITE, 0, host::CREATE_NEW, host::FILE_ATTRIBUTE_NORMAL);
+  const support::Pipe unwritable("");
   const TString two = Name("two");
   const TString none = Name("none");
   const TString deep = Name("none/deep");
@@ -99,7 +94,7 @@ TEST_F(Transfer, RefusalsAndFailuresStopIt) {
   const std::tuple<std::function<void(Peek&)>, I32, I32> rows[] = {
       {DO(f.WriteToFile(closed, 1)), resCallError, 0}, {DO(f.WriteToFile(INVALID_HANDLE_VALUE, 0)), resCallError, 0},
       {DO(f.WriteToFile(full, -1)), resCallError, 0}, {DO(f.WriteToFile(full, MaxLen)), resDiskFull, 1024},
-      {DO(f.WriteToFile(fullFile, 5)), resDiskFull, 5}, {DO(f.WriteToFile(null, 1100)), resNoPermission, 1024},
+      {DO(f.WriteToFile(fullFile, 5)), resDiskFull, 5}, {DO(f.WriteToFile(unwritable.Handle(), 1100)), resNoPermission, 1024},
       {DO(f.res = resNotDone; f.WriteToFile(full, -1)), resNotDone, 0},
       {DO(f.res = resNotDone; f.ReadFile(none.c_str(), 0)), resNotDone, 0},
       {DO(f.WriteFile(deep.c_str(), true)), resIllegalPath, 0}, {DO(f.ReadFile(none.c_str(), 0)), resNotFound, 0},
@@ -111,7 +106,10 @@ TEST_F(Transfer, RefusalsAndFailuresStopIt) {
   for (const auto& [transfer, res, pos] : rows) {
     Chain file({1000, 500});
     file.Reset();
-    transfer(file);
+    {
+      const support::FullDisk disk(0);
+      transfer(file);
+    }
     EXPECT_EQ(file.res, res) << "at position " << pos;
     EXPECT_EQ(file.GetPos(), pos) << "with result " << res;
     EXPECT_EQ(Bytes(file), Pattern(1500));

@@ -1,12 +1,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <list>
 #include <random>
 
 #include "host/Host.h"
+#include "support/Environment.h"
 #include "support/Files.h"
+#include "support/Pipe.h"
 #include "support/VMemPeek.h"
 
 using namespace support;
@@ -68,21 +69,32 @@ TEST_F(SwapFileTest, ComesWithTheFirstWriteOfAChangedPage) {
   EXPECT_EQ(std::tuple(vm.swapFile, vm.cacheHead), std::tuple(INVALID_HANDLE_VALUE, vm.spareDesc));
   vm.Mark({5});
   vm.Touch({1, 2, 3});
-  const int descriptor = vm.Descriptor();
-  std::string bytes(7000, '?');
-  bytes.resize(static_cast<std::size_t>(pread(descriptor, bytes.data(), bytes.size(), 0)));
-  EXPECT_EQ(bytes, std::string(5120, '\0') + vm.Content(5));
-  EXPECT_TRUE(std::filesystem::is_empty(Directory()));
+  EXPECT_EQ(vm.InFile(0, 7000), std::string(5120, '\0') + vm.Content(5));
+  const HANDLE file = vm.swapFile;
+  std::int64_t size = 0;
+  EXPECT_TRUE(host::GetFileSizeEx(file, &size));
   vm.DeallocAll();
-  EXPECT_EQ(fcntl(descriptor, F_GETFD), -1);
+  EXPECT_FALSE(host::GetFileSizeEx(file, &size));
+  EXPECT_TRUE(std::filesystem::is_empty(Directory()));
   vm.maxAddress = 6144;
   EXPECT_EQ(vm.Read(5120, 1024), std::string(1024, '\0')) << "what was dropped came back";
 }
 
+TEST_F(SwapFileTest, ReadsAtAPlaceEndWhereTheFileEnds) {
+  vm.Mark({0, 1, 2, 3});
+  vm.ReleaseCache();
+  const std::string last = vm.Content(3);
+  for (const auto& [place, left] : {std::pair(4095u, 1u), {4096, 0}, {4097, 0}, {0x7FFFFFFF, 0}, {0xFFFFFFFF, 0}}) {
+    host::SetLastError(77);
+    EXPECT_EQ(vm.InFile(place, 9), last.substr(1024 - left)) << place;
+    EXPECT_EQ(host::GetLastError(), 77u) << place;
+  }
+  EXPECT_EQ(vm.InFile(1023, 1026), vm.Content(0).substr(1023) + vm.Content(1) + vm.Content(2).substr(0, 1));
+}
+
 TEST_F(SwapFileTest, LiesInTheFirstUsableDirectory) {
-  const std::string tooLong(255 - Directory().string().size(), 'd');
-  for (const auto& name : {std::string("a"), std::string("b"), tooLong}) std::filesystem::create_directory(Path(name));
-  setenv("TMP", Path("b").c_str(), 1);
+  for (const char* name : {"a", "b"}) std::filesystem::create_directory(Path(name));
+  const support::Variable temp("TMP", Path("b"));
   for (const auto& [set, begin] : {std::pair("a/", "a/"), {"a", "a\\"}, {"none", "b\\"}}) {
     Start(1);
     vm.SetTempDir(Name(set).c_str());
@@ -91,45 +103,21 @@ TEST_F(SwapFileTest, LiesInTheFirstUsableDirectory) {
     const std::string head = Path(begin).string() + "~vmem";
     EXPECT_TRUE(name.starts_with(head) && name.ends_with(".tmp") && name.size() <= head.size() + 9) << name;
   }
-  Start(1);
-  vm.SetTempDir(Name(tooLong).c_str());
-  vm.Mark({0});
-  EXPECT_HALT("VMem, FlushCachePtr():\nswap file creation failed", vm.Touch({1}));
-  EXPECT_EQ(vm.Read(0, 1024), vm.Content(0));
-  unsetenv("TMP");
-}
-
-TEST_F(SwapFileTest, TakesTheFirstNameThatNobodyHas) {
-  // The numbers of the next two seconds.
-  const std::uint32_t now = host::GetTickCount();
-  const auto nameOf = [](std::uint32_t number) { return "~vmem" + std::to_string(number % 100000) + ".tmp"; };
-  for (std::uint32_t i = 0; i < 2000; ++i) {
-    const std::filesystem::path name = Path(nameOf(now + i));
-    if (i % 2 == 0) std::filesystem::create_directory(name);
-    if (i % 2 == 1) std::filesystem::create_symlink("none", name);
-  }
-  vm.Mark({0, 1, 2, 3});
-  EXPECT_TRUE(vm.Descriptor() >= 0 && !std::filesystem::exists(Path("none")));
-  const bool inTime = host::GetTickCount() - now < 2000;
-  EXPECT_TRUE(!inTime || Narrow(vm.swapFileName).ends_with("\\" + nameOf(now + 2000))) << Narrow(vm.swapFileName);
 }
 
 TEST_F(SwapFileTest, AFileWithoutPositionsHaltsAndLosesNothing) {
   const std::string halt = "VMem, FindPage():\nseeking in swap file failed";
   vm.Mark({0, 1, 2, 3});
   vm.ReleaseCache();
-  const int kept = dup(vm.Descriptor());
-  const int other = open("/", O_PATH);
-  dup2(other, vm.Descriptor());
+  const support::Pipe pipe("");
+  const HANDLE file = std::exchange(vm.swapFile, pipe.Handle());
   {
     const NoteHalts notes;
     EXPECT_EQ(vm.Read(0, 4), "????");
     vm.Write(1, "part of a page");
     EXPECT_EQ(notes.Noted(), std::vector<std::string>(2, halt));
   }
-  dup2(kept, vm.Descriptor());
-  close(kept);
-  close(other);
+  vm.swapFile = file;
   EXPECT_EQ(vm.Read(0, 1024), vm.Content(0));
   EXPECT_EQ(vm.Rule(), "");
 }

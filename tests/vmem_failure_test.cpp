@@ -2,8 +2,6 @@
 
 #include <functional>
 #include <numeric>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "support/Disk.h"
 #include "support/VMemPeek.h"
@@ -198,7 +196,7 @@ TEST(VMemFailure, AReadThatFailsHaltsAndLosesNothing) {
   }
   // A file that ends too early.
   vm.ReleaseCache();
-  ASSERT_EQ(ftruncate(vm.Descriptor(), 3 * 1024 + 1), 0);
+  vm.CutFile(3 * 1024 + 1);
   EXPECT_HALT("VMem, FindPage():\nreading from swap file failed", vm.Touch({3}));
   for (const std::int32_t page : {0, 1, 2}) EXPECT_TRUE(vm.Read(page * 1024, 1024) == vm.Content(page));
 }
@@ -214,35 +212,9 @@ TEST(VMemFailure, ARunThatEndsHalfWayServesNothingWrong) {
   vm.ReleaseCache();
   pages.resize(18);
   vm.Touch(pages);
-  ASSERT_EQ(ftruncate(vm.Descriptor(), 23 * 1024), 0);
+  vm.CutFile(23 * 1024);
   EXPECT_TRUE(vm.Read(18 * 1024, 1024) == vm.Content(18));
   for (const std::int32_t page : pages) EXPECT_TRUE(vm.Read(page * 1024, 1024) == vm.Content(page)) << page;
-}
-
-// A forked child shares the swap file and its position, and has a copy of the cache. It may read.
-TEST(SwapFile, IsNotDisturbedByAChildThatReads) {
-  Peek vm;
-  vm.maxAddress = 40 * 1024;
-  vm.SetLimit(3);
-  const Addresses pages = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
-  vm.Mark(pages);
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  const pid_t child = fork();
-  if (child == 0) {
-    char start = 0;
-    bool readable = read(ends[0], &start, 1) == 1;
-    for (std::int32_t page = 9; page >= 0; --page) readable = readable && vm.Read(page * 1024, 1024).size() == 1024;
-    _exit(readable && vm.cacheCount == 4 ? 0 : 1);
-  }
-  for (const std::int32_t page : pages) vm.Write(page * 1024, vm.Content(page + 100));
-  vm.ReleaseCache();
-  EXPECT_EQ(lseek(vm.Descriptor(), 0, SEEK_CUR), 0);
-  ASSERT_EQ(write(ends[1], "x", 1), 1);
-  int status = -1;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
-  for (const std::int32_t page : pages) EXPECT_TRUE(vm.Read(page * 1024, 1024) == vm.Content(page + 100)) << page;
 }
 
 }  // namespace

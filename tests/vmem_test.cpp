@@ -83,7 +83,7 @@ TEST(VMemHeapTest, ExhaustedAtEachAllocation) {
     const std::string halt = HaltOf([&] {
       const FailingHeap heap(failing);
       vm = std::make_unique<Peek>();
-      vm->SetTempDir(TSTR("/tmp"));
+      vm->SetTempDir(TSTR("none"));
       EXPECT_EQ(vm->GetTempDir() == nullptr, heap.HasFailed());
       vm->maxAddress = 3000;
       vm->Write(0, Pattern(3000));

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "fuzz/Fuzz.h"
+#include "support/CodePage1252.h"
 #include "support/Texts.h"
 
 namespace fuzz {
@@ -65,6 +66,9 @@ inline TString WithoutUnpaired(TString units, TChar replacement) {
   return units;
 }
 
+/// Whether the ANSI form is UTF-8; else it is 1252.
+inline bool IsUtf8Active() { return host::GetACP() == host::CP_UTF8; }
+
 /// Two bytes as a unit each, the one at `high` of them the high one.
 inline TString FromUtf16(const std::string& bytes, std::size_t high) {
   TString units;
@@ -81,7 +85,9 @@ inline std::string CheckLoad(support::TextPeek& text, const TString& file, const
   const std::string rest = bytes.substr(kMarks[form].size());
   const TString units = form == TCharVFile::encUtf16     ? FromUtf16(rest, 1)
                         : form == TCharVFile::encUtf16BE ? FromUtf16(rest, 0)
-                                                         : FromUtf8(rest.substr(0, rest.find('\0')));
+                        : form == TCharVFile::encAnsi && !IsUtf8Active()
+                            ? support::From1252(rest.substr(0, rest.find('\0')))
+                            : FromUtf8(rest.substr(0, rest.find('\0')));
   TCharVFile::Encoding encoding = TCharVFile::encUtf8;
   text.LoadText(file, encoding, 0);
   Check(text.res == resDone && encoding == static_cast<int>(form) && text.pos == 0 && !text.eof);
@@ -93,7 +99,8 @@ inline std::string CheckLoad(support::TextPeek& text, const TString& file, const
 /// for the ANSI form.
 inline void CheckForm(const std::filesystem::path& path, const std::string& bytes, int number, bool withMark,
                       bool inSmallBlocks = false) {
-  const TString name = path.u16string();
+  const std::u16string units16 = path.u16string();
+  const TString name(units16.begin(), units16.end());
   const int form = number >= 0 && number < 4 ? number : TCharVFile::encAnsi;
   std::ofstream(path, std::ios::binary) << bytes;
   support::TextPeek text;
@@ -107,6 +114,7 @@ inline void CheckForm(const std::filesystem::path& path, const std::string& byte
   text.SaveText(name, true, static_cast<TCharVFile::Encoding>(number), withMark);
   std::ifstream file(path, std::ios::binary);
   const std::string saved(std::istreambuf_iterator<char>(file), {});
+  file.close();
   const std::string mark = withMark ? kMarks[form] : "";
   Check(text.res == resDone && saved.starts_with(mark));
   Check(text.pos == (form == TCharVFile::encUtf16 ? text.length : 2 * text.TCharLength()));
@@ -114,7 +122,9 @@ inline void CheckForm(const std::filesystem::path& path, const std::string& byte
   if (form == TCharVFile::encUtf16) Check(rest == content);
   if (form == TCharVFile::encUtf16BE) Check(FromUtf16(rest, 0) == units && rest.size() == 2 * units.size());
   if (form == TCharVFile::encUtf8) Check(FromUtf8(rest) == WithoutUnpaired(units, 0xFFFD));
-  if (form == TCharVFile::encAnsi) Check(FromUtf8(rest) == WithoutUnpaired(units, '?'));
+  if (form == TCharVFile::encAnsi) {
+    Check(IsUtf8Active() ? FromUtf8(rest) == WithoutUnpaired(units, '?') : rest == support::To1252(units));
+  }
   CheckLoad(text, name, saved);
 }
 

@@ -6,8 +6,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <random>
 #include <stdexcept>
 #include <string>
+
+#include "host/Unit.h"
 
 /// The target: runs one input. A fault ends the process.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size);
@@ -19,8 +22,8 @@ inline void Check(bool holds, int line = __builtin_LINE(), const char* file = __
 }
 
 /// The bytes of a text as units; `escape` with so many hexadecimal digits stands for one.
-inline std::u16string Unescaped(const std::string& text, char escape, std::size_t digits) {
-  std::u16string units;
+inline TString Unescaped(const std::string& text, char escape, std::size_t digits) {
+  TString units;
   for (std::size_t at = 0; at < text.size(); ++at) {
     const char* number = text.data() + at + 1;
     std::uint16_t unit = 0;
@@ -30,7 +33,7 @@ inline std::u16string Unescaped(const std::string& text, char escape, std::size_
     } else {
       unit = static_cast<unsigned char>(text[at]);
     }
-    units += static_cast<char16_t>(unit);
+    units += static_cast<TChar>(unit);
   }
   return units;
 }
@@ -39,12 +42,16 @@ inline std::u16string Unescaped(const std::string& text, char escape, std::size_
 class Scratch {
  public:
   Scratch() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "vfile-fuzz-XXXXXX").string();
-    Check(mkdtemp(pattern.data()) != nullptr);
-    std::filesystem::current_path(pattern);
+    std::random_device random;
+    do path = std::filesystem::temp_directory_path() / ("vfile-fuzz-" + std::to_string(random()));
+    while (!std::filesystem::create_directory(path));
+    std::filesystem::current_path(path);
     path = std::filesystem::current_path();
   }
-  ~Scratch() { std::filesystem::remove_all(path); }
+  ~Scratch() {
+    std::filesystem::current_path(path.parent_path());
+    std::filesystem::remove_all(path);
+  }
 
   std::filesystem::path path;
 };

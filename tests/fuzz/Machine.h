@@ -22,7 +22,6 @@
 #pragma once
 
 #include <sstream>
-#include <sys/mman.h>
 
 #include "fuzz/Fuzz.h"
 #include "support/Texts.h"
@@ -190,10 +189,8 @@ struct Machine {
 
   /// ReplaceFile from a file of the host that holds `content`.
   void Insert(char kind, I32 at, I32 del, I32 count, const std::string& content) {
-    const int descriptor = kind == 'h' ? memfd_create("source", 0) : dup(support::Pipe(content).ends[0]);
-    const HANDLE handle = host::HandleFromDescriptor(descriptor);
+    const HANDLE handle = kind == 'h' ? support::OpenRegular(content) : support::OpenPipe(content);
     HFile file(handle);
-    if (kind == 'h') Check(pwrite(descriptor, content.data(), content.size(), 0) == Count(content.size()));
     if (kind == 'p') {
       pair->file.ReplaceFile(at, del, handle, count);
     } else {

@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
   for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::absolute(argc > 1 ? argv[1] : "."))) {
     std::ifstream file(entry.path(), std::ios::binary);
     const std::string input(std::istreambuf_iterator<char>(file), {});
-    std::printf("%d: %s\n", ++count, entry.path().c_str());
+    std::printf("%d: %s\n", ++count, entry.path().string().c_str());
     std::fflush(stdout);
     LLVMFuzzerTestOneInput(reinterpret_cast<const unsigned char*>(input.data()), input.size());
   }

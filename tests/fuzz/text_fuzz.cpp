@@ -7,17 +7,17 @@
 #include <sstream>
 
 #include "fuzz/Forms.h"
+#include "support/Environment.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  static const int utf8 = setenv("LC_ALL", "C.UTF-8", 1);
+  static const support::Variable utf8("LC_ALL", "C.UTF-8");
   static const fuzz::Scratch scratch;
-  fuzz::Check(utf8 == 0);
   const std::string input(reinterpret_cast<const char*>(data), size);
   int letters = 0;
   int form = 0;
   bool withMark = false;
   std::istringstream(input) >> letters >> form >> withMark;
-  const std::u16string rest = fuzz::Unescaped(input.substr(std::min(input.find('\n'), input.size() - 1) + 1), '\\', 2);
+  const TString rest = fuzz::Unescaped(input.substr(std::min(input.find('\n'), input.size() - 1) + 1), '\\', 2);
   const std::string bytes =
       std::string(support::Size(std::abs(letters % 3000)), 'a') + std::string(rest.begin(), rest.end());
   for (const std::string& mark : fuzz::kMarks) fuzz::CheckForm(scratch.path / "text", mark + bytes, form, withMark);

@@ -6,10 +6,12 @@
 #include <functional>
 #include <string>
 #include <tuple>
-#include <unistd.h>
 #include <vector>
 
+#include "host/Host.h"
+#include "support/Pipe.h"
 #include "vfile/VFile.h"
+#include "vmem/SwapFile.h"
 #include "vmem/VMem.h"
 
 /// An operation on a file `f`, as a row of a table has it.
@@ -55,16 +57,15 @@ inline std::string Pattern(int count, int from = 0) {
   return text;
 }
 
-/// A pipe that holds `content`, at most a few thousand bytes.
-struct Pipe {
-  explicit Pipe(const std::string& content) {
-    if (pipe(ends) == 0 && write(ends[1], content.data(), content.size()) >= 0) close(ends[1]);
-  }
-  ~Pipe() { close(ends[0]); }
-  HANDLE Handle() const { return host::HandleFromDescriptor(ends[0]); }
-
-  int ends[2] = {-1, -1};
-};
+/// A regular file that holds `content` and stands at its start. The caller owns the handle, with which the file goes.
+inline HANDLE OpenRegular(const std::string& content) {
+  TChar name[261];
+  const HANDLE file = vmem::CreateSwapFile(name, 261, nullptr);
+  std::uint32_t done = 0;
+  host::WriteFile(file, content.data(), static_cast<std::uint32_t>(content.size()), &done);
+  host::SetFilePointer(file, 0, host::FILE_BEGIN);
+  return file;
+}
 
 /// A file of exactly these blocks, with `content` or a `Pattern`; its position is at the end.
 struct Chain : Peek {

@@ -2,6 +2,8 @@
 /// A disk that fails where a test wants it: the positioned transfers of the test program, which swap files use.
 #pragma once
 
+#include "host/Handle.h"
+
 namespace support {
 
 /// While it lives, the process's positioned transfer number `failing`, counted from 1, and all behind it fail, and so do those at
@@ -20,6 +22,8 @@ class FailingDisk {
   static bool HasFailed();
   /// Lets transfers succeed again.
   static void Repair();
+  /// Counts a transfer; whether the system may make it. For what stands in the place of the system's calls.
+  static bool Allows(HANDLE file, Kind kind, bool positioned);
 };
 
 }  // namespace support

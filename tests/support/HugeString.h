@@ -2,10 +2,7 @@
 /// A string longer than any count, of a few pages that lie in the address space again and again.
 #pragma once
 
-#include <cstdlib>
-#include <string>
-#include <sys/mman.h>
-#include <unistd.h>
+#include <cstddef>
 
 #include "host/Unit.h"
 
@@ -21,20 +18,8 @@ class HugeString {
   /// Cut to 32 bits this is 1.
   static constexpr std::size_t kCutToOne = 2 * kNoCount + 1;
 
-  HugeString() : file_(memfd_create("huge", 0)) {
-    const std::string piece(kPiece, 'x');
-    const bool written = write(file_, piece.data(), kPiece) == ssize_t{kPiece};
-    void* room = mmap(nullptr, kSize, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (!written || room == MAP_FAILED) std::abort();
-    bytes_ = static_cast<char*>(room);
-    for (std::size_t at = 0; at < kRun; at += kPiece) {
-      mmap(bytes_ + at, kPiece, PROT_READ, MAP_SHARED | MAP_FIXED, file_, 0);
-    }
-  }
-  ~HugeString() {
-    munmap(bytes_, kSize);
-    close(file_);
-  }
+  HugeString();
+  ~HugeString();
   HugeString(const HugeString&) = delete;
   HugeString& operator=(const HugeString&) = delete;
 
@@ -48,7 +33,6 @@ class HugeString {
   static constexpr std::size_t kRun = 2 * kNoCount + kPiece;
   static constexpr std::size_t kSize = kRun + 4096;
 
-  const int file_;
   char* bytes_ = nullptr;
 };
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <sstream>
 #include <string>
 
 #include "host/Host.h"
@@ -48,6 +49,15 @@ struct TextPeek : TCharVFile {
   mutable int allowed = -1;  // changes before the one that is refused
   bool notesHooks = false;
 };
+
+/// The bytes or units that a text has in hexadecimal.
+template <typename String>
+String Hex(const std::string& row) {
+  std::istringstream in(row);
+  String values;
+  for (unsigned value; in >> std::hex >> value;) values += static_cast<typename String::value_type>(value);
+  return values;
+}
 
 /// The units as they lie in a text.
 inline std::string Bytes(const TString& units) {

@@ -4,9 +4,9 @@
 
 #include <string>
 #include <tuple>
-#include <unistd.h>
 #include <vector>
 
+#include "host/Host.h"
 #include "support/Halts.h"
 #include "vmem/VMem.h"
 
@@ -37,7 +37,18 @@ struct Peek : VMem {
   auto Shape() const {
     return std::tuple(Rule(), cacheHead, cacheCount, maxAddress, swapFile, freeHead[0], freePageHead);
   }
-  int Descriptor() const { return host::DescriptorFromHandle(swapFile); }
+  /// What the swap file has at a place, at most `len` bytes.
+  std::string InFile(std::uint32_t place, std::uint32_t len) const {
+    std::string bytes(len, '?');
+    std::uint32_t done = 0;
+    EXPECT_TRUE(host::ReadFile(swapFile, bytes.data(), len, &done, {place, 0}));
+    return bytes.substr(0, done);
+  }
+  /// Takes the end of the swap file away.
+  void CutFile(std::int32_t size) const {
+    host::SetFilePointer(swapFile, size, host::FILE_BEGIN);
+    EXPECT_TRUE(host::SetEndOfFile(swapFile));
+  }
   /// A new block of `len` bytes, 0 for a page; -7 if it was refused.
   std::int32_t Take(std::int32_t len) {
     std::int32_t addr = -7;
