@@ -74,7 +74,7 @@ TEST_F(Entries, OneOfManyGetsAFreeName) {
     }
     fs::remove(Path("to"));
   }
-  EXPECT_LE(std::distance(fs::directory_iterator(Directory()), {}), 6 + static_cast<int>(kThreads));
+  EXPECT_LE(std::distance(fs::directory_iterator(Directory()), {}), 4 + static_cast<int>(kThreads));
 }
 
 }  // namespace
