@@ -4,14 +4,15 @@
 set -eu
 top=$(cd "$(dirname "$0")/../.." && pwd)
 prefix=${VFILE_WINEPREFIX:-$top/build/wine}
-wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
+wine=/usr/lib/wine/wine64
+export WINESERVER=/usr/lib/wine/wineserver64
 
 user=
 if [ "$(id -u)" -eq 0 ] && setpriv --reuid=nobody --regid=nogroup --clear-groups test -r "$0"; then
   user='setpriv --reuid=nobody --regid=nogroup --clear-groups'
 fi
 
-export WINEPREFIX="$prefix/prefix" WINEDEBUG=-all WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=' LANG=C.UTF-8
+export WINEPREFIX="$prefix/prefix" WINEDEBUG=-all WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=;winedbg.exe=' LANG=C.UTF-8
 unset LC_ALL LC_CTYPE DISPLAY WAYLAND_DISPLAY
 export HOME="$prefix"
 
@@ -26,4 +27,6 @@ if [ ! -e "$prefix/ready" ]; then
     touch "$prefix/ready"
   ) 9>"$prefix.lock"
 fi
+# One server for programs that follow each other: one that ends as the next program comes would refuse that. It stays for a minute.
+$user "$WINESERVER" --persistent=60 </dev/null >/dev/null 2>&1 || true
 exec $user "$wine" "$@"
