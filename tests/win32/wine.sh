@@ -23,10 +23,18 @@ if [ ! -e "$prefix/ready" ]; then
     flock 9
     [ ! -e "$prefix/ready" ] || exit 0
     [ -z "$user" ] || chown nobody:nogroup "$prefix"
-    $user "$wine" wineboot --init >/dev/null 2>&1
+    $user "$wine" wineboot --init </dev/null >/dev/null 2>&1 9>&-
     touch "$prefix/ready"
   ) 9>"$prefix.lock"
 fi
 # One server for programs that follow each other: one that ends as the next program comes would refuse that. It stays for a minute.
 $user "$WINESERVER" --persistent=60 </dev/null >/dev/null 2>&1 || true
-exec $user "$wine" "$@"
+
+# What Wine starts beside the first program lives on with others, and holds the streams of the first. So these are files.
+said=$(mktemp -d)
+trap 'rm -rf "$said"' EXIT
+status=0
+$user "$wine" "$@" >"$said/out" 2>"$said/err" || status=$?
+cat "$said/out"
+cat "$said/err" >&2
+exit $status
