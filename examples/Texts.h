@@ -1,4 +1,4 @@
-// What every example needs: texts of the command line as the library takes them, and its results as texts.
+// What every example needs: UTF-8 as the library takes it, and its results as texts.
 #pragma once
 
 #include <stdexcept>
@@ -33,7 +33,7 @@ inline void AppendCharacter(TString& units, char32_t character) {
   units += static_cast<TChar>(character);
 }
 
-/// A text of the command line, which is UTF-8, in units. Throws if it is not.
+/// A text in UTF-8, as a command line has it on Linux, in units. Throws if it is not.
 inline TString UnitsOf(std::string_view text) {
   TString units;
   for (std::string_view left = text; !left.empty();) {
@@ -46,7 +46,7 @@ inline TString UnitsOf(std::string_view text) {
   return units;
 }
 
-/// A name of the command line in units. A byte that is no UTF-8, or is a backslash, which is no separator to the system, stands
+/// A name in UTF-8, as a command line has it on Linux, in units. A byte that is no UTF-8, or is a backslash, which is no separator to the system, stands
 /// as U+DC00 plus the byte.
 inline TString NameOf(std::string_view name) {
   TString units;

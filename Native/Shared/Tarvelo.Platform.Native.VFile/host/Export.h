@@ -24,7 +24,7 @@
 #elif defined(_WIN32) && !defined(VFILE_BUILDING)
 #define VFILE_API __declspec(dllimport)
 #define VFILE_LOCAL
-#elif defined(_WIN32) && defined(__GNUC__)
+#elif defined(__MINGW32__)
 // The linker exports what the list of symbols names, see cmake/ListExports.cmake.
 #define VFILE_API
 #define VFILE_LOCAL
