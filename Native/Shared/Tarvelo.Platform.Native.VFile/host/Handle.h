@@ -1,8 +1,8 @@
 /// @file
 /// The handle of an open file of the host, and the sharing that an open grants to others.
 ///
-/// The names and values are those of Win32. A translation unit that also needs the system's header there includes that
-/// one first; what it has defined is then left alone.
+/// The names and values are those of Win32. The system's header there may stand before or behind this one; what it has defined by
+/// then is left alone.
 #pragma once
 
 #include <cstdint>
