@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "support/HostFiles.h"
+#include "support/Pipe.h"
 #include "support/win32/Wine.h"
 
 namespace {
@@ -99,6 +100,18 @@ TEST_F(HostFiles, MoveAndTellTheirPosition) {
   EXPECT_TRUE(host::SetFilePointer(file, 0, 3) == 0xFFFFFFFF && host::GetLastError() == 87);
   EXPECT_TRUE(host::CloseHandle(file) && !host::CloseHandle(nullptr) && host::GetLastError() == 6);
   EXPECT_TRUE(!host::ReadFile(INVALID_HANDLE_VALUE, &byte, 1, &done) && done == 0 && host::GetLastError() == 6);
+}
+
+TEST(HostPipes, EndWithAnErrorWhenTheirWriterIsGone) {
+  const auto [reader, writer] = support::OpenChannel();
+  char bytes[4];
+  std::uint32_t done = 0;
+  EXPECT_TRUE(host::WriteFile(writer, "abc", 3, &done) && done == 3);
+  host::CloseHandle(writer);
+  EXPECT_TRUE(host::ReadFile(reader, bytes, sizeof bytes, &done) && done == 3);
+  EXPECT_TRUE(!host::ReadFile(reader, bytes, sizeof bytes, &done) && done == 0);
+  EXPECT_EQ(host::GetLastError(), 109u);
+  host::CloseHandle(reader);
 }
 
 TEST_F(HostFiles, OpenedForReadingAreNotCut) {

@@ -262,12 +262,12 @@ class VFILE_API HFile {
   /// The same, without the code.
   static bool Copy(const TChar* source, const TChar* target, bool overwrite);
   /// Renames or moves a file or directory. An existing `newName` is `resAlreadyExists`, also one that came into being just
-  /// now; the own name is a success. A file that is open is `resNoPermission`. A file moves to another file system or drive as well, a
-  /// directory does not.
+  /// now; the own name is a success. A file that is open is `resNoPermission`; where every open of it has `FILE_SHARE_DELETE`,
+  /// that is the host's. A file moves to another file system or drive as well, a directory does not.
   static bool Rename(const TChar* oldName, const TChar* newName, std::int32_t& result);
   /// The same, without the code.
   static bool Rename(const TChar* oldName, const TChar* newName);
-  /// Removes a file. A directory, a read-only file and one that is open are `resNoPermission`.
+  /// Removes a file. A directory, a read-only file and one that is open are `resNoPermission`, the latter as for `Rename`.
   static bool Remove(const TChar* name, std::int32_t& result);
   /// The same, without the code.
   static bool Remove(const TChar* name);

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "host/Export.h"
+
 #ifdef _WIN32
 struct HINSTANCE__;
 
@@ -15,6 +17,8 @@ using EntryResult = int;            ///< BOOL.
 
 /// The calling convention of the entry point.
 #define VFILE_ENTRY __stdcall
+/// Nothing: no import library has it, and a DLL that uses this one defines its own under the same name.
+#define VFILE_ENTRY_API
 #else
 namespace host {
 using Module = void*;               ///< What the loader has loaded.
@@ -24,4 +28,6 @@ using EntryResult = std::int32_t;   ///< 1 for success, 0 for failure.
 
 /// The calling convention of the entry point.
 #define VFILE_ENTRY
+/// Its mark in the interface.
+#define VFILE_ENTRY_API VFILE_API
 #endif

@@ -8,8 +8,9 @@
 ///
 /// Rules of the seam:
 /// - Nothing here throws. Nothing but the conversions of code pages and the finds takes memory by `new`.
-/// - A call that fails leaves its reason in the calling thread's last error. A call that succeeds leaves the last error
-///   alone, but for `CreateFileW`, and for `TlsGetValue`, which may set it to 0.
+/// - A call that fails leaves its reason in the calling thread's last error, but for those that give an error number instead, and
+///   `_wfullpath`. A call that succeeds leaves the last error alone, but for `CreateFileW`, and for `CopyFileW` and
+///   `TlsGetValue`, which may set it to 0.
 /// - Names are strings of units ended by a 0 unit. A null name is treated like an empty one.
 #pragma once
 
@@ -117,7 +118,8 @@ inline constexpr std::uint32_t INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
 inline constexpr std::uint32_t INVALID_FILE_SIZE = 0xFFFFFFFF;
 
 /// Reads up to `count` bytes at the file's position into `buffer` and moves the position. Fewer bytes than asked, 0 too,
-/// is no failure; of a file on a disk it means the end. `*done` is set in every case: to what got in, also by a failure.
+/// is no failure; of a file on a disk it means the end. The end of a pipe may be a failure. `*done` is set in every case:
+/// to what got in, also by a failure.
 bool ReadFile(HANDLE file, void* buffer, std::uint32_t count, std::uint32_t* done);
 /// Writes `count` bytes at the file's position and moves it. Goes on until all is written or the system refuses; what
 /// got out before a refusal is reported as a success with a smaller `*done`, so that the next call meets the reason.
@@ -162,9 +164,9 @@ int _waccess(const TChar* name, int mode);
 /// for a file onto itself.
 bool CopyFileW(const TChar* source, const TChar* target, bool failIfExists);
 /// Renames a file or directory. A name that exists is ERROR_ALREADY_EXISTS, but the own name is a success. A file that is open is
-/// ERROR_SHARING_VIOLATION.
+/// ERROR_SHARING_VIOLATION; whether also where every open of it has FILE_SHARE_DELETE, is the host's.
 bool MoveFileW(const TChar* oldName, const TChar* newName);
-/// Removes a file. One that is open is ERROR_SHARING_VIOLATION.
+/// Removes a file. One that is open is ERROR_SHARING_VIOLATION, with FILE_SHARE_DELETE as for a rename.
 bool DeleteFileW(const TChar* name);
 
 // ---- Names ----------------------------------------------------------------------------------------------------------
@@ -178,7 +180,8 @@ TChar* _wfullpath(TChar* buffer, const TChar* name, std::size_t size);
 /// Joins the parts of a name, null counting as empty. Gives 0, or an error number with the buffer emptied.
 int _wmakepath_s(TChar* buffer, std::size_t size, const TChar* drive, const TChar* dir, const TChar* name,
                  const TChar* ext);
-/// Takes a name apart. A null buffer with size 0 skips the part. Gives 0, or an error number with all buffers emptied.
+/// Takes a name apart, which is not null. A null buffer with size 0 skips the part. Gives 0, or ERANGE with all buffers emptied
+/// where a part does not fit.
 int _wsplitpath_s(const TChar* path, TChar* drive, std::size_t driveSize, TChar* dir, std::size_t dirSize, TChar* name,
                   std::size_t nameSize, TChar* ext, std::size_t extSize);
 
@@ -205,14 +208,14 @@ std::size_t GetLastResortTempDirectory(TChar* buffer, std::size_t size);
 
 inline constexpr std::uint32_t TLS_OUT_OF_INDEXES = 0xFFFFFFFF;
 
-/// Gives an index under which every thread has a pointer of its own, null at first; TLS_OUT_OF_INDEXES if none is left.
+/// Gives an index under which every thread has a pointer of its own, null at first, whatever an index given back had;
+/// TLS_OUT_OF_INDEXES if none is left.
 std::uint32_t TlsAlloc();
 /// Gives the index back.
 bool TlsFree(std::uint32_t index);
-/// The calling thread's pointer under the index; null for an index that is not in use. Valid until the thread is gone,
-/// also in the steps that run at its end.
+/// The calling thread's pointer under an index in use. Valid until the thread is gone, also in the steps that run at its end.
 void* TlsGetValue(std::uint32_t index);
-/// Sets it. False for an index that is not in use.
+/// Sets it. False if there is no room for it. Whether it is so for an index that is not in use is the host's.
 bool TlsSetValue(std::uint32_t index, void* value);
 
 /// A lock among the threads of the process, recursive for its owner. Plain storage; lives between Initialize and Delete.
@@ -309,7 +312,8 @@ class CodePageConversion {
 
 // ---- Characters and numbers -----------------------------------------------------------------------------------------
 
-/// Compares without regard to the case of ASCII letters, by unit: below, at or above 0.
+/// Compares without regard to the case of ASCII letters, by unit: below, at or above 0. In a locale that the program has set the
+/// host may fold more letters.
 int _wcsicmp(const TChar* left, const TChar* right);
 
 /// Whether the unit is a letter or a digit, of any script and in any locale. No surrogate is.

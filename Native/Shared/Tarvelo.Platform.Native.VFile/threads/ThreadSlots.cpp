@@ -97,7 +97,10 @@ bool TlsTableCreate() {
   if (!IsRunning()) return false;
   auto* table = new (std::nothrow) ThreadSlotTable{};
   if (table == nullptr) return false;
-  host::TlsSetValue(tlsIndex, table);
+  if (!host::TlsSetValue(tlsIndex, table)) {
+    delete table;
+    return false;
+  }
   host::NotifyThreadEnd();
   return true;
 }

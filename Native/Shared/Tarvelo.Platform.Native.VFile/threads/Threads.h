@@ -25,5 +25,5 @@ VFILE_API bool VFile_UninitializeThread();
 
 /// The entry point that the loader calls: `reason` is 0 process detach, 1 process attach, 2 thread attach, 3 thread
 /// detach. Gives 1 for success, 0 for failure; 1 for any other reason. Not for applications.
-extern "C" VFILE_API host::EntryResult VFILE_ENTRY DllMain(host::Module module, host::EntryReason reason,
-                                                           void* reserved);
+extern "C" VFILE_ENTRY_API host::EntryResult VFILE_ENTRY DllMain(host::Module module, host::EntryReason reason,
+                                                                 void* reserved);
