@@ -97,10 +97,7 @@ bool TlsTableCreate() {
   if (!IsRunning()) return false;
   auto* table = new (std::nothrow) ThreadSlotTable{};
   if (table == nullptr) return false;
-  if (!host::TlsSetValue(tlsIndex, table)) {
-    delete table;
-    return false;
-  }
+  host::TlsSetValue(tlsIndex, table);
   host::NotifyThreadEnd();
   return true;
 }
