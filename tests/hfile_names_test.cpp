@@ -52,6 +52,14 @@ TEST(Names, AreSplitIntoTheirParts) {
     const TString path = Wide(row[0]);
     HFile::SplitName(parts[0], 32, parts[1], 32, parts[2], 32, parts[3], 32, path.c_str());
     for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(Narrow(parts[i]), row[i + 1]) << row[0];
+    TChar some[2][32];
+    HFile::SplitName(nullptr, 0, some[0], 32, nullptr, 0, some[1], 32, path.c_str());
+    EXPECT_EQ(Narrow(some[0]) + Narrow(some[1]), row[2] + row[4]) << row[0];
+    for (const std::uint32_t room : {32u, 3u}) {
+      HFile::SplitName(some[0], room, some[1], room, path.c_str());
+      EXPECT_EQ(Narrow(some[0]), (row[1] + row[2]).substr(0, room - 1)) << row[0];
+      EXPECT_EQ(Narrow(some[1]), (row[3] + row[4]).substr(0, room - 1)) << row[0];
+    }
     // One unit too few for one part empties all.
     for (std::size_t small = 0; small < 4; ++small) {
       std::uint32_t sizes[4];
@@ -76,6 +84,21 @@ TEST(Names, GetOneSeparatorIfItFits) {
   HFile::BuildName(buffer, 4, TSTR("ab"), TSTR("cd"));
   EXPECT_EQ(Narrow(buffer), "abc");
   EXPECT_TRUE(HFile::EqualName(TSTR("a/B"), TSTR("A/b")) && !HFile::EqualName(TSTR("a/b"), TSTR("a\\b")));
+}
+
+TEST(Names, OfBackupsGoUpToTheLastOfTheirSeries) {
+  // clang-format off
+  const std::pair<std::string, std::string> rows[] = {
+      {"", ".~"}, {".", ".~"}, {"txt", "~xt"}, {".txt", ".~xt"}, {".~txt", ".~1xt"}, {".~", ".~1"}, {".~9", ".~10"},
+      {".~9t", ".~10"}, {".~9x1", ".~101"}, {".~9:", ".~10"}, {".~19", ".~20"}, {".~08", ".~09"}, {".~89x", ".~90x"},
+      {".~99", ""}, {".~99x", ""}, {".12", ".~"}, {".t1x", ".~"}, {".tx0", ".~"}, {".t:/", ".~:/"}, {".~x0", ".~1"},
+      {".~:/", ".~1/"}, {"~", "~1"}, {"9", "~"}, {".abc1", ".~bc1"}};
+  // clang-format on
+  for (const auto& [ext, next] : rows) {
+    TString buffer = Wide(ext) + TChar{0} + TSTR("##");
+    EXPECT_EQ(HFile::GetNextBackupExt(buffer.data(), static_cast<std::uint32_t>(buffer.size())), !next.empty()) << ext;
+    EXPECT_EQ(Narrow(buffer.c_str()), next.empty() ? ext : next);
+  }
 }
 
 TEST_F(FilesByName, HaltWithoutRoomOrName) {

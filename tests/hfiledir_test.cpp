@@ -15,14 +15,11 @@ TEST_F(Walks, GoWhereThePathOfThePatternLeads) {
   Put("B.TXT", "");
   Put("xy", "");
   std::filesystem::create_directory(Path("dir"));
-  const std::pair<const char*, std::string> rows[] = {{"dir/../*.T?T", "B.TXT,"},
-                                                      {"dir/..\\?*y", "xy,"},
-                                                      {"dir", "dir,"},
-                                                      {"dir\\*z", ""},
-                                                      {"none/*", ""},
-                                                      {"a/*", ""},
-                                                      {"d*r/*", ""},
-                                                      {"dir/", ""}};
+  // clang-format off
+  const std::pair<const char*, std::string> rows[] = {
+      {"dir/../*.T?T", "B.TXT,"}, {"dir/..\\?*y", "xy,"}, {"dir", "dir,"}, {"dir\\*z", ""}, {"none/*", ""},
+      {"a/*", ""}, {"d*r/*", ""}, {"dir/", ""}};
+  // clang-format on
   for (const auto& [pattern, names] : rows) EXPECT_EQ(Matching(pattern), names) << pattern;
   host::_wfinddata64i32_t record;
   for (const TChar* bad : {TSTR(""), static_cast<const TChar*>(nullptr)})

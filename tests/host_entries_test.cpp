@@ -50,6 +50,17 @@ TEST_F(Entries, CopiesAndMovesTakeContentAndAttributes) {
   EXPECT_TRUE(HFile::Remove(three.c_str()) && !HFile::Remove(three.c_str()));
 }
 
+TEST_F(Entries, WhatIsOpenIsLeftAlone) {
+  for (const std::uint32_t share : {0u, FILE_SHARE_READ}) {
+    const HANDLE held = host::CreateFileW(Name("old").c_str(), host::GENERIC_READ, share, host::OPEN_EXISTING, 0);
+    EXPECT_EQ(Copy("file", "old", false), 32u);
+    EXPECT_EQ(Copy("old", "new", true), share == 0 ? 32u : 0u);
+    EXPECT_TRUE(Move("old", "moved") == 32 && Delete("old") == 32 && host::CloseHandle(held));
+  }
+  EXPECT_EQ(Listing(), "content,old,locked,,old,5");
+  EXPECT_TRUE(Copy("file", "old", false) == 0 && Content("old") == "content");
+}
+
 // Many threads give one name at once: one of them gets it, and the files of the others are where they were.
 TEST_F(Entries, OneOfManyGetsAFreeName) {
   constexpr std::size_t kThreads = 4;

@@ -27,19 +27,16 @@ TEST_F(HostFiles, OpenByNameAndDisposition) {
 }
 
 TEST(HostNumbers, HaveTheirDigitsIfTheyFit) {
+  // clang-format off
   const struct {
     std::int64_t value;
     int base;
     std::string narrow, wide;  // of 32 and of 64 bits
-  } rows[] = {{0, 2, "0", "0"},
-              {-1, 2, std::string(32, '1'), std::string(64, '1')},
-              {-1, 8, "37777777777", "1777777777777777777777"},
-              {-1, 10, "-1", "-1"},
-              {-1, 16, "ffffffff", "ffffffffffffffff"},
-              {-42, 16, "ffffffd6", "ffffffffffffffd6"},
-              {-42, 36, "1z141xy", "3w5e11264sgra"},
-              {INT32_MIN, 10, "-2147483648", "-2147483648"},
-              {INT32_MAX, 36, "zik0zj", "zik0zj"}};
+  } rows[] = {
+      {0, 2, "0", "0"}, {-1, 2, std::string(32, '1'), std::string(64, '1')}, {-1, 8, "37777777777", "1777777777777777777777"},
+      {-1, 10, "-1", "-1"}, {-1, 16, "ffffffff", "ffffffffffffffff"}, {-42, 16, "ffffffd6", "ffffffffffffffd6"},
+      {-42, 36, "1z141xy", "3w5e11264sgra"}, {INT32_MIN, 10, "-2147483648", "-2147483648"}, {INT32_MAX, 36, "zik0zj", "zik0zj"}};
+  // clang-format on
   char text[66];
   TChar units[66];
   for (const auto& [value, base, narrow, wide] : rows) {

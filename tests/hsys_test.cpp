@@ -67,6 +67,14 @@ TEST(Strings, TrimmingBlanksAndComparison) {
     return Narrow(units.c_str());
   };
   for (const auto trim : {Trim, TrimLeft, TrimRight}) EXPECT_EQ(changed(trim, "\va\xA0"), "\va\xA0");
+  const std::string blanks = "\t\n\f\r ";
+  for (const std::string text : {"", "a", "a b"}) {
+    EXPECT_EQ(changed(Trim, blanks + text + blanks), text);
+    EXPECT_EQ(changed(TrimLeft, blanks + text + "x "), text + "x ");
+    EXPECT_EQ(changed(TrimRight, " x" + text + blanks), " x" + text);
+    EXPECT_EQ(changed(TrimLeft, blanks) + changed(TrimRight, blanks), "");
+  }
+  EXPECT_TRUE(IsBlank(TSTR("")) && IsBlank(TSTR("\t\n\f\r ")) && !IsBlank(TSTR(" \v")) && !IsBlank(TSTR("a ")));
   const char* numbers[] = {"1.500", "1.000", "100", "100.", "0.0", ".", ".000", "", "-1.50", "1.0050"};
   const char* trimmed[] = {"1.5", "1", "100", "100", "0", "0", "0", "0", "-1.5", "1.005"};
   for (int i = 0; i < 10; ++i) EXPECT_EQ(changed(TrimZeroes, numbers[i]), trimmed[i]);

@@ -9,6 +9,7 @@
 #include "support/Files.h"
 #include "support/Pipe.h"
 #include "support/VMemPeek.h"
+#include "vmem/SwapFile.h"
 
 using namespace support;
 
@@ -103,6 +104,45 @@ TEST_F(SwapFileTest, LiesInTheFirstUsableDirectory) {
     const std::string head = Path(begin).string() + "~vmem";
     EXPECT_TRUE(name.starts_with(head) && name.ends_with(".tmp") && name.size() <= head.size() + 9) << name;
   }
+}
+
+// Directories, what is read-only and what others have open. One of a time to come: a machine that has other work is given more.
+TEST_F(SwapFileTest, TakesTheFirstNameThatIsFree) {
+  constexpr std::int32_t kTaken = 300;
+  bool inTime = false;
+  for (std::uint32_t lead = 250; lead <= 32000 && !inTime; lead *= 2) {
+    const std::string directory = std::to_string(lead);
+    std::filesystem::create_directory(Path(directory));
+    const std::uint32_t first = host::GetTickCount() + lead;
+    const auto past = [first] { return static_cast<std::int32_t>(host::GetTickCount() - first); };
+    std::vector<std::string> names;
+    std::vector<HANDLE> held;
+    for (std::uint32_t i = 0; i <= kTaken; ++i)
+      names.push_back("~vmem" + std::to_string((first + i) % 100000) + ".tmp");
+    for (std::size_t i = 0; i < kTaken; ++i) {
+      const std::string taken = directory + "/" + names[i];
+      if (i % 3 == 0) {
+        std::filesystem::create_directory(Path(taken));
+        continue;
+      }
+      Put(taken, "mine");
+      SetReadOnly(Path(taken), i % 3 == 1);
+      if (i % 3 == 2)
+        held.push_back(host::CreateFileW(Name(taken).c_str(), host::GENERIC_READ, 7, host::OPEN_EXISTING, 0));
+    }
+    const bool begunInTime = past() < 0;
+    while (past() < 0) continue;
+    TChar name[261];
+    const HANDLE file = vmem::CreateSwapFile(name, 261, Name(directory).c_str());
+    inTime = begunInTime && past() < kTaken;
+    EXPECT_TRUE(!inTime || Narrow(name).ends_with("\\" + names.back())) << Narrow(name);
+    EXPECT_TRUE(host::CloseHandle(file));
+    for (const HANDLE each : held) host::CloseHandle(each);
+    for (std::size_t i = 0; i < kTaken; ++i) {
+      EXPECT_TRUE(i % 3 == 0 || Content(directory + "/" + names[i]) == "mine") << i;
+    }
+  }
+  EXPECT_TRUE(inTime);
 }
 
 TEST_F(SwapFileTest, AFileWithoutPositionsHaltsAndLosesNothing) {

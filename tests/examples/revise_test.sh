@@ -126,14 +126,14 @@ if only_posix "a full device, and arguments that are no UTF-8"; then
   refused "full device" 1 "disk full" --force a b in /dev/full
 else
   mkfifo until
-  run "$hold" <until >state &
+  run "$hold" <until &
   exec 3>until
-  until grep -q open state; do sleep 0.1; done
+  until [ -e opened ]; do sleep 0.1; done
   refused "OUT is open" 1 denied --force a b in keep
   refused "OUT is open, for a text" 1 denied --text --force a b in keep
   exec 3>&-
   wait
-  rm until
+  rm until opened
   works "OUT is open no more" in keep --force zebra x in keep
   printf kept >keep
   # Wine replaces a read-only file.

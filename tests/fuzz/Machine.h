@@ -2,7 +2,7 @@
 /// Operations on three files and on strings, which must agree after each.
 ///
 /// A script has an operation on each line: a letter, the number of a file, more numbers, and texts. "max", "same" and "end" are
-/// numbers as well: MaxLen, SameLen and the length of the file. In a text "/" stands for LF, "\" for CR, "_" for a blank.
+/// numbers as well: MaxLen, SameLen and the length of the file. In a text "/" stands for LF, "\" for CR, "_" for a blank, "^" for a "_".
 ///
 ///     b AT DEL COUNT TEXT           ReplaceBuf of COUNT bytes, TEXT again and again; c the same by ReplaceCh
 ///     h AT DEL COUNT LENGTH TEXT    ReplaceFile of COUNT bytes from a file of LENGTH bytes; p, q the same from the handle of
@@ -119,7 +119,8 @@ struct Machine {
   }
   /// Ends at its first 0 byte.
   static std::string Text(std::string word) {
-    for (char& letter : word) letter = letter == '/' ? '\n' : letter == '\\' ? '\r' : letter == '_' ? ' ' : letter;
+    for (char& letter : word)
+      letter = letter == '/' ? '\n' : letter == '\\' ? '\r' : letter == '_' ? ' ' : letter == '^' ? '_' : letter;
     return word.c_str();
   }
   static bool IsOneOf(const char* operations, char operation) {
@@ -309,13 +310,13 @@ struct Machine {
     if (text.empty()) return Check(found && at == from);
     const int place = support::NaiveFind(Units(pair->bytes), Units(text), from, back, ignoreCase, wholeWord);
     const I32 end = place + (back ? 0 : Count(text.size()));
-    Check(found == (place >= 0) && (!found || at == end));
-    if (wholeWord || from > pair->Length()) return Rewind();
-    // The search ends one byte further, or beyond the end that it ran into.
-    const bool ranOut = !found || at == (back ? 0 : pair->Length());
-    Check(found || at == (back ? -1 : pair->Length() + 1));
+    Check(found == (place >= 0) && at == (found ? end : back ? -1 : std::max(from, pair->Length()) + 1));
+    if (from > pair->Length()) return Rewind();
+    // The last byte read was the one on one side of the match, or there was none.
+    const bool behind = found ? back == wholeWord : !back;
+    const I32 last = found ? place + (behind ? Count(text.size()) : 0) : at;
     pair->res = resDone;
-    pair->Move(back ? at - 1 : at + 1, ranOut);
+    pair->Move(behind ? last + 1 : last - 1, !found || last == (behind ? pair->Length() : 0));
   }
 
   void FindAlmost(I32 at, I32 count, std::size_t place) {

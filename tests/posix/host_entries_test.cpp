@@ -33,7 +33,6 @@ struct LinkedEntries : support::Entries {
   static constexpr timespec written = {1000000000, 123456789};
   const uid_t owner = geteuid() == 0 ? 65534 : geteuid();
   const std::string before = "content,old,locked,content,,6";
-  const std::string shared = "content,old,locked,content,,7";
 };
 
 TEST_F(LinkedEntries, LinksAreRefusedAsWhatTheyLeadTo) {
@@ -72,12 +71,6 @@ TEST_F(LinkedEntries, CopiesAreCompleteAndMovesKeepTheEntry) {
   EXPECT_TRUE(Content("nowhere") == large && fs::is_symlink(Path("dangling")));
   // Files of the system that tell no size are copied as well.
   EXPECT_TRUE(Copy("/proc/self/status", "status", true) == 0 && Content("status").starts_with("Name:"));
-  EXPECT_TRUE(Move("locked", "dir/moved") == 0 && Content("dir/moved") == "locked" && Move("dir", "other") == 0);
-  EXPECT_TRUE(Content("other/inner") == "inner" && Move("other", "old") == 183 && Move("old", "other") == 183);
-  const TString one = Name("file"), two = Name("two"), three = Name("three");
-  EXPECT_TRUE(HFile::Copy(one.c_str(), two.c_str(), false) && !HFile::Copy(one.c_str(), two.c_str(), false));
-  EXPECT_TRUE(HFile::Rename(two.c_str(), three.c_str()) && !HFile::Rename(two.c_str(), three.c_str()));
-  EXPECT_TRUE(HFile::Remove(three.c_str()) && !HFile::Remove(three.c_str()));
   EXPECT_TRUE(Delete("link") == 0 && Content("old") == large && Delete("same") == 0 && Content("file") == large);
 }
 
@@ -166,18 +159,6 @@ TEST_F(LinkedEntries, ACopyWritesWhatIsNoRegularFileAsItIs) {
   EXPECT_EQ(read(reader, piped.data(), piped.size()), 40000);
   EXPECT_TRUE(piped == Content("old"));
   EXPECT_TRUE(fs::is_fifo(Path("pipe")) && close(reader) == 0);
-}
-
-TEST_F(LinkedEntries, WhatIsOpenIsLeftAlone) {
-  for (const std::uint32_t share : {0u, FILE_SHARE_READ}) {
-    const support::StoppedChild holder([&] {
-      return CreateFileW(Name("old").c_str(), GENERIC_READ, share, OPEN_EXISTING, 0) != INVALID_HANDLE_VALUE;
-    });
-    EXPECT_EQ(Copy("file", "old", false), 32u);
-    EXPECT_EQ(Copy("old", share == 0 ? "new" : "shared", true), share == 0 ? 32u : 0u);
-    EXPECT_TRUE(Move("old", "new") == 32 && Delete("old") == 32 && Listing() == (share == 0 ? before : shared));
-  }
-  EXPECT_TRUE(Content("shared") == "old" && Copy("file", "old", false) == 0 && Content("old") == "content");
 }
 
 TEST_F(LinkedEntries, FilesMoveToAnotherFileSystem) {

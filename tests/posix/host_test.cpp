@@ -24,11 +24,11 @@ TEST_F(HostFiles, OpenLinksAndNamesOfAnyLength) {
   std::filesystem::create_symlink("new", Path("to new"));
   std::string tooLong;
   for (int i = 0; i < 2100; ++i) tooLong += "./";
-  const OpenRow rows[] = {{"new\\", {123, 123, 123, 123}},
-                          {"loop", {80, 1921, 1921, 1921}},
-                          {std::string(256, 'n'), {206, 206, 206, 206}},
-                          {"to new", {80, 0, 2, 0}},
-                          {tooLong, {206, 206, 206, 206}}};
+  // clang-format off
+  const OpenRow rows[] = {
+      {"new\\", {123, 123, 123, 123}}, {"loop", {80, 1921, 1921, 1921}},
+      {std::string(256, 'n'), {206, 206, 206, 206}}, {"to new", {80, 0, 2, 0}}, {tooLong, {206, 206, 206, 206}}};
+  // clang-format on
   CheckOpens(rows);
   for (const int full : {ENOSPC, EDQUOT, EFBIG}) EXPECT_EQ(posix::ErrorFromErrno(full), ERROR_DISK_FULL);
 }

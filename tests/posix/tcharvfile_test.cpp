@@ -23,14 +23,6 @@ TEST_F(TextFilesOnPosix, FailAsTheirDevicesDo) {
   auto told = TCharVFile::encAnsi;
   text.LoadText(TSTR("/proc/self/mem"), told, 7);
   EXPECT_EQ(std::tuple(text.res, told, text.TCharLength()), std::tuple(resNotDone, TCharVFile::DefaultEncoding, 0));
-  TCharVFile empty;
-  TCharVFile full;
-  full = TString(1200, u'x');
-  for (const auto form : {TCharVFile::encAnsi, TCharVFile::encUtf16, TCharVFile::encUtf16BE, TCharVFile::encUtf8}) {
-    for (TCharVFile* file : {&full, &empty}) file->SaveText(TSTR("/dev/full"), true, form, true);
-    EXPECT_EQ(full.res, resDiskFull) << form;
-    EXPECT_EQ(empty.res, form == TCharVFile::encAnsi ? resDone : resDiskFull) << form;
-  }
 }
 
 TEST_F(TextFilesOnPosix, AreInTheCodePageOfTheEnvironment) {

@@ -36,21 +36,6 @@ TEST_F(SwapFileOnPosix, IsNotMadeWhereNoNameFits) {
   EXPECT_EQ(vm.Read(0, 1024), vm.Content(0));
 }
 
-TEST_F(SwapFileOnPosix, TakesTheFirstNameThatNobodyHas) {
-  // The numbers of the next two seconds.
-  const std::uint32_t now = host::GetTickCount();
-  const auto nameOf = [](std::uint32_t number) { return "~vmem" + std::to_string(number % 100000) + ".tmp"; };
-  for (std::uint32_t i = 0; i < 2000; ++i) {
-    const std::filesystem::path name = Path(nameOf(now + i));
-    if (i % 2 == 0) std::filesystem::create_directory(name);
-    if (i % 2 == 1) std::filesystem::create_symlink("none", name);
-  }
-  vm.Mark({0, 1, 2, 3});
-  EXPECT_TRUE(vm.swapFile != INVALID_HANDLE_VALUE && !std::filesystem::exists(Path("none")));
-  const bool inTime = host::GetTickCount() - now < 2000;
-  EXPECT_TRUE(!inTime || Narrow(vm.swapFileName).ends_with("\\" + nameOf(now + 2000))) << Narrow(vm.swapFileName);
-}
-
 // A forked child shares the swap file and its position, and has a copy of the cache. It may read.
 TEST_F(SwapFileOnPosix, IsNotDisturbedByAChildThatReads) {
   const Addresses pages = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};

@@ -1,5 +1,5 @@
-// Has a file open as other programs may have it, for reading: tells so, and goes when its standard input ends. The file is "keep" in the
-// current directory.
+// Has a file open as other programs may have it, for reading: makes the file "opened" then, and goes when its standard input ends. The
+// file is "keep" in the current directory.
 
 #include <cstdio>
 
@@ -7,9 +7,7 @@
 
 int main() {
   HFile file;
-  if (!file.OpenSeqRead(TSTR("keep"))) return 1;
-  std::puts("open");
-  std::fflush(stdout);
+  if (!file.OpenSeqRead(TSTR("keep")) || !HFile().Create(TSTR("opened"), false)) return 1;
   while (std::getchar() != EOF) {
   }
   return 0;
