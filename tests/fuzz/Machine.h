@@ -24,6 +24,7 @@
 #include <sstream>
 
 #include "fuzz/Fuzz.h"
+#include "hsys/WrapAdd.h"
 #include "support/Texts.h"
 #include "vfile/PositionIndex.h"
 
@@ -310,7 +311,7 @@ struct Machine {
     if (text.empty()) return Check(found && at == from);
     const int place = support::NaiveFind(Units(pair->bytes), Units(text), from, back, ignoreCase, wholeWord);
     const I32 end = place + (back ? 0 : Count(text.size()));
-    Check(found == (place >= 0) && at == (found ? end : back ? -1 : std::max(from, pair->Length()) + 1));
+    Check(found == (place >= 0) && at == (found ? end : back ? -1 : hsys::WrapAdd(std::max(from, pair->Length()), 1)));
     if (from > pair->Length()) return Rewind();
     // The last byte read was the one on one side of the match, or there was none.
     const bool behind = found ? back == wholeWord : !back;
