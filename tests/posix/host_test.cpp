@@ -179,7 +179,7 @@ TEST_F(HostFiles, NamesReachEveryFileAndBadUnitsNone) {
   const std::string edges = "A\x80\x8F\x90\x9F\xA0\xBF\xC1\xC2\xDF\xE0\xE1\xED\xEF\xF0\xF1\xF4\xF5";
   for (std::size_t i = 0, n = edges.size(); i < n * n * n * n; ++i) {
     const std::string bytes = {edges[i % n], edges[i / n % n], edges[i / n / n % n], edges[i / n / n / n]};
-    units[posix::UnitsFromNative(units, 8, bytes.data(), 4)] = 0;
+    units[UnitsFromBytes(units, 8, bytes.data(), 4, Backslash::kIsOrdinary)] = 0;
     ASSERT_EQ(posix::NativeName(units).Text(), bytes);
   }
 }

@@ -194,6 +194,15 @@ void TCharVFile::SaveText(const TChar* fileName, bool overwrite, Encoding encodi
     res = GetFileRes(file);
     return;
   }
+  WriteText(file, encoding, withBom);
+}
+
+void TCharVFile::SaveText(const TString& fileName, bool overwrite, Encoding encoding, bool withBom) {
+  SaveText(fileName.c_str(), overwrite, encoding, withBom);
+}
+
+/// Writes the text from its start, where it stands, to an open file.
+void TCharVFile::WriteText(HFile& file, Encoding encoding, bool withBom) {
   switch (encoding) {
     case encUtf16:
       if (withBom) file.WriteBytes("\xFF\xFE", 2);
@@ -217,8 +226,4 @@ void TCharVFile::SaveText(const TChar* fileName, bool overwrite, Encoding encodi
       }
   }
   if (file.res != resDone) res = GetFileRes(file);
-}
-
-void TCharVFile::SaveText(const TString& fileName, bool overwrite, Encoding encoding, bool withBom) {
-  SaveText(fileName.c_str(), overwrite, encoding, withBom);
 }

@@ -46,6 +46,7 @@ class VFILE_API TCharVFile : protected VFile {
   TCharVFile();  ///< An empty text.
   /// A copy of `len` units of `source` from `first` on.
   TCharVFile(const TCharVFile& source, std::int32_t first = 0, std::int32_t len = MaxLen);
+  TCharVFile(TCharVFile&& source);  ///< As that of `VFile`.
   ~TCharVFile() noexcept(false) override;
 
   using VFile::Bof;
@@ -89,6 +90,8 @@ class VFILE_API TCharVFile : protected VFile {
   void ReadPrevTChar(TChar& unit);
   /// Up to `count` units; gives how many whole ones were read.
   std::int32_t ReadTChars(TChar* units, std::int32_t count);
+  /// Up to `count` units at `position`, whole ones alone; gives how many. Otherwise as `VFile::ReadAt`.
+  std::int32_t ReadTCharsAt(std::int32_t position, TChar* units, std::int32_t count) const;
   /// Reads a line into `buffer` of `size` units as a terminated string, without its end (CR, LF or CR LF), which is consumed.
   /// What does not fit is dropped. Gives the units stored; 0 with `eof` where there was no line left. A null buffer or a size
   /// below 1 is `resCallError`.
@@ -139,6 +142,10 @@ class VFILE_API TCharVFile : protected VFile {
   TCharVFile& operator=(const TChar* text);
   TCharVFile& operator=(const TString& text);
   TCharVFile& operator=(const TCharVFile& source);
+  /// @}
+  /// @{
+  void Exchange(TCharVFile& other);  ///< As that of `VFile`.
+  friend void swap(TCharVFile& left, TCharVFile& right) { left.Exchange(right); }
   /// @}
   /// @{
   /// Inserts at the position, through the slot, whatever `vfInsert` says. A number goes in as text in base `radix`, as in `VFile`.
@@ -221,6 +228,7 @@ class VFILE_API TCharVFile : protected VFile {
 
  private:
   class VFILE_LOCAL UnitSearch;
+  friend class vfile::Inside;
 
   void InsertAt(std::int32_t position, const TChar* units, std::int32_t count);
   VFILE_LOCAL void InsertTStrAt(std::int32_t position, const TChar* text, std::size_t count);
@@ -231,6 +239,9 @@ class VFILE_API TCharVFile : protected VFile {
   void SwapContent();
   template <typename Conversion>
   VFILE_LOCAL void ConvertContent(std::int32_t mark);
+
+  // SaveText.cpp
+  VFILE_LOCAL void WriteText(HFile& file, Encoding encoding, bool withBom);
 
   // TextSearch.cpp
   bool IsWordUnitBehind(std::int32_t position);

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <utility>
+
 #include "tcharvfile/TCharVFile.h"
 #include "tcharvfile/UnitCount.h"
 
@@ -7,6 +10,8 @@ TCharVFile::TCharVFile() = default;
 
 TCharVFile::TCharVFile(const TCharVFile& source, std::int32_t start, std::int32_t len)
     : VFile(source, TCharsToBytes(start), TCharsToBytes(len)) {}
+
+TCharVFile::TCharVFile(TCharVFile&& source) : VFile(std::move(source)) {}
 
 TCharVFile::~TCharVFile() noexcept(false) = default;
 
@@ -31,3 +36,11 @@ void TCharVFile::ReadPrevTChar(TChar& unit) {
 std::int32_t TCharVFile::ReadTChars(TChar* units, std::int32_t count) {
   return ReadBytes(units, TCharsToBytes(count)) >> 1;
 }
+
+std::int32_t TCharVFile::ReadTCharsAt(std::int32_t position, TChar* units, std::int32_t count) const {
+  if (position < 0 || position >= TCharLength()) return 0;
+  count = std::min(count, TCharLength() - position);
+  return ReadAt(TCharsToBytes(position), units, TCharsToBytes(count)) >> 1;
+}
+
+void TCharVFile::Exchange(TCharVFile& other) { VFile::Exchange(other); }

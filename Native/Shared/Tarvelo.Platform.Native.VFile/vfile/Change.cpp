@@ -58,6 +58,7 @@ bool VFile::DoChange(std::int32_t del, const void* bytes, std::int32_t n, NewCha
   if (!CutBehind(std::max(del - rest, 0), chain, kept, keptLen)) return false;
   if (!JoinBehind(chain, kept)) return false;
 
+  ++changes;
   MarkDirty();
   if (n > 0) std::memcpy(buf + cur.ix, bytes, static_cast<std::size_t>(n));
   cur.ptr->len = static_cast<std::int16_t>(cur.ix + n);

@@ -8,6 +8,14 @@
 #include "vfile/VFile.h"
 #include "vmem/VMem.h"
 
+std::int32_t VFile::ReadAt(std::int32_t position, void* buffer, std::int32_t count) const {
+  if (position < 0 || position >= length || count <= 0 || buffer == nullptr) return 0;
+  count = std::min(count, length - position);
+  BlkRdr rd;
+  SetPosC(rd, position);
+  return ReadBytesC(rd, buffer, count) ? count : 0;
+}
+
 void VFile::SetPosC(BlkRdr& rd, std::int32_t position) const {
   if (!vfile::Require(TSTR("SetPosC"), position >= 0, TSTR("call error"))) return;
   rd = cur;

@@ -158,6 +158,7 @@ bool VFile::ChangeInBlock(Source& source, std::int32_t position, std::int32_t de
   }
   cur.ptr->len = static_cast<std::int16_t>(cur.ptr->len - del + count);
   length = length - del + count;
+  ++changes;
   MarkDirty();
   if (cur.ptr->len == 0) CheckCurLen();
   return true;
@@ -322,4 +323,29 @@ void VFile::ReplaceContent(vfile::ContentSource& source) {
     PostChange(0, del, total);
   }
   Finish(total);
+}
+
+// ---- The exchange ----
+
+void VFile::Exchange(VFile& other) {
+  if (!OnOwnerThread() || !vfile::Require(other.threadId == threadId) || &other == this) return;
+  const std::int32_t count = length;
+  const std::int32_t otherCount = other.length;
+  const bool some = count > 0 || otherCount > 0;
+  const bool admitted = res == resDone && other.res == resDone && Admit(true) && other.Admit(true);
+  if (!admitted || (some && (!Allow(0, count, otherCount) || !other.Allow(0, otherCount, count)))) {
+    if (res == resDone) {
+      res = other.res;
+    } else if (other.res == resDone) {
+      other.res = res;
+    }
+    return;
+  }
+  if (some) {
+    ExchangeChain(other);
+    PostChange(0, count, otherCount);
+    other.PostChange(0, otherCount, count);
+  }
+  Finish(length);
+  other.Finish(other.length);
 }

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "host/Host.h"
 #include "threads/ThreadSlots.h"
@@ -47,7 +48,37 @@ void VFile::Init() {
   index = nullptr;
   held = nullptr;
   dirtyFrom = 0;
+  changes = 0;
+  meter = nullptr;
   AttachThread();
+}
+
+VFile::VFile(VFile&& source) : VFile() {
+  if (!source.OnOwnerThread() || !vfile::Require(threadId == source.threadId)) return;
+  ExchangeChain(source);
+  flags = std::exchange(source.flags, 0);
+  type = source.type;
+  res = std::exchange(source.res, resDone);
+  radix = std::exchange(source.radix, 10);
+}
+
+/// Exchanges contents with all that speaks of them, positions and `eof` too. Nothing of it can fail.
+void VFile::ExchangeChain(VFile& other) {
+  std::swap(eof, other.eof);
+  std::swap(pos, other.pos);
+  std::swap(length, other.length);
+  std::swap(first, other.first);
+  std::swap(last, other.last);
+  std::swap(cur, other.cur);
+  std::swap(buf, other.buf);
+  std::swap(bufValid, other.bufValid);
+  std::swap(bufDirty, other.bufDirty);
+  std::swap(blockCount, other.blockCount);
+  std::swap(index, other.index);
+  std::swap(held, other.held);
+  std::swap(dirtyFrom, other.dirtyFrom);
+  ++changes;
+  ++other.changes;
 }
 
 /// Takes the thread's `VMem` and pool, which its first file makes, and the first block. All that can halt comes before

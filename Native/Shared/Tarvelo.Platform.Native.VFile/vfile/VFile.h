@@ -71,6 +71,8 @@ class VMem;
 namespace vfile {
 class Comparison;
 class ContentSource;
+class Inside;
+class Meter;
 class PositionIndex;
 }  // namespace vfile
 
@@ -95,6 +97,10 @@ class VFILE_API VFile {
   /// @{
   /// The bytes of a range of `source`; its flags and position are not taken over.
   VFile(const VFile& source, std::int32_t pos = 0, std::int32_t count = MaxLen);
+  /// Takes over all that `source` is, in constant time: content, position, flags, `Type`, `res`, `eof` and `radix`. The source is
+  /// then an empty file as a new one, of its own `Type`. No hook is asked or told. Halts if the heap is exhausted, or on another
+  /// thread, with the source as it was.
+  VFile(VFile&& source);
   /// Gives the blocks back to the thread. Halts on another thread, and so may throw where the installed halt procedure does.
   virtual ~VFile() noexcept(false);
 
@@ -147,6 +153,13 @@ class VFILE_API VFile {
   virtual VFile& operator=(char ch);
   virtual VFile& operator=(unsigned char ch);
 #pragma GCC diagnostic pop
+  /// Exchanges the contents of two files of a thread in constant time; a file with itself is left alone. Flags, `Type` and `radix` stay
+  /// where they are. To each file it is one change that replaces all: not done while a failure stands in the `res` of one of
+  /// them, if one is locked or read-only, or if the `PreChange` of one refuses; that reason then stands in the `res` of both, unless
+  /// another does. Each position ends behind the content. The primitives are not called.
+  void Exchange(VFile& other);
+  /// What `using std::swap; swap(a, b)` and `std::ranges::swap` call. `std::swap`, named in full, copies.
+  friend void swap(VFile& left, VFile& right) { left.Exchange(right); }
 
   /// @}
   /// @name Diagnosis
@@ -250,6 +263,11 @@ class VFILE_API VFile {
   /// Reads a line as a terminated string, without its end (CR, LF or CR LF), which is consumed. What does not fit is dropped.
   /// Gives the characters stored.
   std::int32_t ReadLine(char* buffer, std::int32_t size);
+
+  /// Reads up to `count` bytes at `position`, as many as are there, and gives how many. Moves nothing, sets neither `res` nor `eof`, and
+  /// may be called in a hook, where it reads what stands at that moment. 0 for a negative argument, a null buffer, and behind a
+  /// halt that returned.
+  std::int32_t ReadAt(std::int32_t position, void* buffer, std::int32_t count) const;
 
   /// @}
   /// @name Editing
@@ -633,6 +651,8 @@ class VFILE_API VFile {
   mutable vfile::PositionIndex* index;  ///< owned; of a file that has made a far move, else null
   const BlkDesc* held;                  ///< the block whose page agrees with `buf` while `bufValid` is off, or null
   std::int16_t dirtyFrom;               ///< while `bufDirty`: index of the first byte that can differ from the page
+  std::uint32_t changes;                ///< counts changes of the content, round the end of the numbers
+  vfile::Meter* meter;                  ///< of whoever wants to know how far long operations are, or null
                                         /// @}
 
  private:
@@ -641,11 +661,13 @@ class VFILE_API VFile {
   class VFILE_LOCAL FileSource;
   class VFILE_LOCAL ByteSearch;
   friend class vfile::Comparison;
+  friend class vfile::Inside;
 
   bool OnOwnerThread(std::int32_t line = VFILE_LINE) const;
 
   // VFile.cpp
   void Init();
+  VFILE_LOCAL void ExchangeChain(VFile& other);
   void AttachThread();
   void DetachThread();
 

@@ -12,7 +12,7 @@ int CopyValue(const char* value, TChar* buffer, std::size_t size, std::size_t& r
   required = 0;
   if (value != nullptr) {
     const std::size_t length = std::strlen(value);
-    required = posix::UnitsFromNative(buffer, size, value, length, posix::Backslash::kSeparates) + 1;
+    required = UnitsFromBytes(buffer, size, value, length, Backslash::kSeparates) + 1;
   }
   if (size == 0) return required == 0 ? 0 : ERANGE;
   const bool fits = required <= size;

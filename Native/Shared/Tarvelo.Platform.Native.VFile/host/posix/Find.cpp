@@ -83,7 +83,8 @@ std::uint32_t Search::Read(const TString& pattern) {
     const dirent* entry = readdir(directory.get());
     if (entry == nullptr) break;
     TChar name[NAME_MAX + 1];
-    const std::size_t length = posix::UnitsFromNative(name, NAME_MAX, entry->d_name, std::strlen(entry->d_name));
+    const std::size_t length =
+        UnitsFromBytes(name, NAME_MAX, entry->d_name, std::strlen(entry->d_name), Backslash::kIsOrdinary);
     name[std::min<std::size_t>(length, NAME_MAX)] = 0;
     if (!Matches(last.c_str(), name)) continue;
     names_.push_back(text_.size());

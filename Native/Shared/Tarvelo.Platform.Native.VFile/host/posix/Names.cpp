@@ -1,19 +1,9 @@
 #include <algorithm>
 #include <string>
 
-#include "host/Utf8.h"
 #include "host/posix/PosixNames.h"
 
 namespace host::posix {
-namespace {
-
-constexpr std::uint32_t kRawByteBase = 0xDC00;
-
-bool IsRawByte(std::uint32_t unit) {
-  return unit == kRawByteBase + '\\' || (unit >= kRawByteBase + 0x80 && unit <= kRawByteBase + 0xFF);
-}
-
-}  // namespace
 
 NativeName::NativeName(const TChar* name) {
   text_[0] = '\0';
@@ -29,14 +19,11 @@ NativeName::NativeName(const TChar* name) {
     }
     std::uint32_t character = 0;
     const std::size_t used = DecodeUtf16(name, left, character);
-    if (IsRawByte(character)) {
-      text_[length_++] = static_cast<char>(static_cast<unsigned char>(character - kRawByteBase));
-    } else if (IsSurrogate(character)) {
+    if (IsSurrogate(character) && !IsRawByte(character)) {
       error_ = ERROR_INVALID_NAME;
       return;
-    } else {
-      length_ += EncodeUtf8(text_ + length_, character == '\\' ? '/' : character);
     }
+    length_ += EncodeNameCharacter(text_ + length_, character == '\\' ? '/' : character);
     name += used;
     left -= used;
   }
@@ -51,29 +38,6 @@ std::string_view DirectoryOf(const char* name, char (&directory)[PATH_MAX]) {
   const std::string_view parent = length == 0 ? "." : last.substr(0, length);
   *std::copy(parent.begin(), parent.end(), directory) = '\0';
   return last.substr(length);
-}
-
-std::size_t UnitsFromNative(TChar* units, std::size_t size, const char* bytes, std::size_t length,
-                            Backslash backslash) {
-  const auto* next = reinterpret_cast<const unsigned char*>(bytes);
-  std::size_t count = 0;
-  while (length > 0) {
-    std::uint32_t character = 0;
-    bool wellFormed = false;
-    std::size_t used = DecodeUtf8(next, length, character, wellFormed);
-    if (!wellFormed || (character == '\\' && backslash == Backslash::kIsOrdinary)) {
-      character = kRawByteBase + *next;
-      used = 1;
-    }
-    TChar encoded[2];
-    const std::size_t encodedCount = EncodeUtf16(encoded, character);
-    for (std::size_t i = 0; i < encodedCount; ++i, ++count) {
-      if (count < size) units[count] = encoded[i];
-    }
-    next += used;
-    length -= used;
-  }
-  return count;
 }
 
 }  // namespace host::posix

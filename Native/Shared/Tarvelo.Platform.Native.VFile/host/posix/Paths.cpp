@@ -76,7 +76,7 @@ TChar* _wfullpath(TChar* buffer, const TChar* name, std::size_t size) {
     if (getcwd(directory, sizeof directory) == nullptr) return nullptr;
     const std::size_t bytes = std::strlen(directory);
     // The root alone ends in a separator.
-    length = bytes > 1 ? posix::UnitsFromNative(full, std::size(full), directory, bytes) : 0;
+    length = bytes > 1 ? UnitsFromBytes(full, std::size(full), directory, bytes, Backslash::kIsOrdinary) : 0;
   }
   while (name != end) {
     const TChar* behind = std::find_if(name, end, posix::IsSeparator);

@@ -7,6 +7,7 @@
 #include <sys/types.h>
 
 #include "host/Host.h"
+#include "host/NameBytes.h"
 
 namespace host::posix {
 
@@ -40,17 +41,6 @@ class NativeName {
 constexpr bool IsSeparator(TChar unit) { return unit == '\\' || unit == '/'; }
 /// The length of what looks like a drive at the start of a name, an ASCII letter and a colon, or 0.
 std::size_t DriveLength(const TChar* name);
-
-/// What a backslash is in bytes that become a name.
-enum class Backslash {
-  kIsOrdinary,  ///< A character of the name, as the system sees it.
-  kSeparates,   ///< A separator, as in a name that the application or its user gives.
-};
-
-/// Converts `length` bytes to units, without terminator, at most `size` of them; gives the number that the whole text takes.
-/// Bytes that are no UTF-8, and the backslash of a name that the system gave, become U+DC00 plus the byte.
-std::size_t UnitsFromNative(TChar* units, std::size_t size, const char* bytes, std::size_t length,
-                            Backslash backslash = Backslash::kIsOrdinary);
 
 /// Writes the directory of the name, "." if it has none, into `directory`, and gives the last step of the name, without
 /// separators.

@@ -1,0 +1,40 @@
+/// @file
+/// What the layer above the classes reaches inside them.
+#pragma once
+
+#include <cstddef>
+
+#include "tcharvfile/TCharVFile.h"
+
+namespace vfile {
+
+class Inside {
+ public:
+  /// The bytes of either kind of file.
+  static const VFile& FileOf(const VFile& file) { return file; }
+  static const VFile& FileOf(const TCharVFile& text) { return text; }
+  static VFile& FileOf(VFile& file) { return file; }
+  static VFile& FileOf(TCharVFile& text) { return text; }
+
+  static bool OnOwnerThread(const VFile& file) { return file.OnOwnerThread(); }
+  static bool AdmitSize(VFile& file, std::size_t size) { return file.AdmitSize(size); }
+  static Meter*& MeterOf(VFile& file) { return file.meter; }
+  static const std::uint32_t& ChangesOf(const VFile& file) { return file.changes; }
+
+  /// A cursor at `position`, 0 to the length, at the start of a block rather than at the end of the one before.
+  static BlkRdr Locate(const VFile& file, std::int32_t position) {
+    BlkRdr cursor;
+    file.SetPosC(cursor, position);
+    return cursor;
+  }
+  /// Copies `count` bytes at the cursor, which its block has; false behind a halt that returned.
+  static bool Copy(const VFile& file, const BlkRdr& cursor, void* bytes, std::int16_t count) {
+    return file.CopyC(cursor, bytes, count);
+  }
+
+  static void WriteText(TCharVFile& text, HFile& file, TCharVFile::Encoding encoding, bool withBom) {
+    text.WriteText(file, encoding, withBom);
+  }
+};
+
+}  // namespace vfile
