@@ -7,7 +7,7 @@ header && /^#pragma once/ { exit }
 header && /^\/\/\/     / {
   if (!inside) {
     inside = 1
-    print "#include \"hfile/HFile.h\"\n#include \"hfile/HFileDir.h\"\n#include \"tcharvfile/TCharVFile.h\"\n#include \"vmem/VMem.h\"\n"
+    print "#include \"hfile/HFile.h\"\n#include \"hfile/HFileDir.h\"\n#include \"tcharvfile/TCharVFile.h\"\n#include \"vf/Saving.h\"\n#include \"vmem/VMem.h\"\n"
     print "namespace {\n\nstd::int32_t Sample() {"
   }
   last = substr($0, 7)

@@ -77,6 +77,18 @@ chmod 444 notes.txt
 expect "a read-only input" 1 readme_2 notes.txt "the ERROR colour" notes.new "the ERROR colour"
 
 with
+expect "without its input" 1 saving
+with notes.txt "$text"
+expect "good input" 0 saving notes.txt "the ERROR colour"
+with notes.txt "$text"
+chmod 444 notes.txt
+expect "a read-only input" 1 saving notes.txt "$text"
+if only_posix "saving, a full disk"; then
+  with notes.txt "$long"
+  expect "a full disk" 1 saving notes.txt "$long"
+fi
+
+with
 expect "good" 0 hfile numbers "*"
 [ "$(od -An -td4 numbers | tr -s ' ')" = " 1 2 3" ] || fail "wrong numbers"
 with numbers old
