@@ -320,6 +320,11 @@ bool IsOfFiles(const SystemCall& call) {
   }
 }
 
+/// Whether a signal may interrupt the call, which is then made again.
+bool WaitsForOthers(const SystemCall& call) {
+  return call.call == SYS_openat || call.call == SYS_flock || call.call == SYS_write || call.call == SYS_fsync;
+}
+
 struct BrokenSaves : TracedSaves {
   /// Looks at what is there after a save, puts it back as it was, and gives the other names that it found.
   std::vector<std::string> CheckAndRepair(const Way& way, bool mayBeOld, bool mayBeNew) {
@@ -385,12 +390,14 @@ TEST_F(BrokenSaves, AFailedCallLeavesTheOldOrTheNewFile) {
         reached = failed.call != SYS_exit_group;
         EXPECT_NE(end.status, -1);
         const bool isDone = end.status == resDone;
-        const bool mayBeOnDiskAlone = failed.call == SYS_fsync && error == EIO;
-        EXPECT_EQ(CheckAndRepair(way, !isDone, isDone || mayBeOnDiskAlone).size(), 0u);
+        const bool goesOn = error == EINTR && WaitsForOthers(failed);
+        EXPECT_TRUE(isDone || !goesOn);
+        const bool mayBeNew = isDone || failed.call == SYS_fsync;
+        EXPECT_EQ(CheckAndRepair(way, !isDone, mayBeNew).size(), 0u);
         refused += isDone ? 0 : 1;
         if (HasFailure()) return;
       }
-      EXPECT_GE(refused, 3) << way.name;
+      EXPECT_GT(refused, 1) << way.name;
     }
   }
 }
