@@ -113,7 +113,6 @@ TEST_F(HostSaves, NewFilesHaveTheModeThatTheUmaskLeaves) {
 
 TEST_F(HostSaves, AreRefusedToWhoMayNotKeepTheOwner) {
   if (!isRoot) GTEST_SKIP() << "only root can take another's place";
-  ASSERT_EQ(chmod(Directory().c_str(), 0777), 0);
   for (const char* name : {"mine", "others", "group"}) {
     Put(name, name);
     ASSERT_EQ(chmod(Path(name).c_str(), 0666), 0);
@@ -121,15 +120,20 @@ TEST_F(HostSaves, AreRefusedToWhoMayNotKeepTheOwner) {
   ASSERT_EQ(chown(Path("mine").c_str(), kNobody, kNobody), 0);
   ASSERT_EQ(chown(Path("group").c_str(), kNobody, 0), 0);
   const std::string all = Names();
-  support::InChild([&] {
-    ASSERT_TRUE(setresgid(kNobody, kNobody, kNobody) == 0 && setresuid(kNobody, kNobody, kNobody) == 0);
-    EXPECT_EQ(Save("mine"), resDone);
-    EXPECT_EQ(Save("others"), resNoPermission);
-    EXPECT_EQ(Save("group"), resNoPermission);
-  });
-  EXPECT_EQ(Content("mine"), kNew);
-  EXPECT_EQ(Content("others") + Content("group"), "othersgroup");
-  EXPECT_EQ(Names(), all);
+  // In a directory that the process may not write to, and in one that it may.
+  for (const bool mayWrite : {false, true}) {
+    ASSERT_EQ(chmod(Directory().c_str(), mayWrite ? 0777 : 0755), 0);
+    support::InChild([&] {
+      ASSERT_TRUE(setresgid(kNobody, kNobody, kNobody) == 0 && setresuid(kNobody, kNobody, kNobody) == 0);
+      EXPECT_EQ(Save("mine"), mayWrite ? resDone : resNoPermission);
+      EXPECT_EQ(Save("others"), resNoPermission);
+      EXPECT_EQ(Save("group"), resNoPermission);
+      EXPECT_TRUE(mayWrite || Save("new") == resNoPermission);
+    });
+    EXPECT_EQ(Content("mine"), mayWrite ? kNew : "mine");
+    EXPECT_EQ(Content("others") + Content("group"), "othersgroup");
+    EXPECT_EQ(Names(), all);
+  }
 }
 
 // ---- What the name leads to ----
@@ -276,6 +280,25 @@ TEST_F(TracedSaves, KeepRightsThatWereGivenMeanwhile) {
   EXPECT_EQ(StatusOf("old").st_mode & 07777, 0604u);
 }
 
+// The content is on the disk before it gets the name, and the name when the save returns.
+TEST_F(TracedSaves, AreOnTheDiskIfAsked) {
+  for (const bool onDisk : {false, true}) {
+    for (const char* name : {"old", "new"}) {
+      std::string calls;
+      const auto note = [&](const SystemCall& call) {
+        if (call.call == SYS_write && !calls.ends_with("write ")) calls += "write ";
+        if (call.call == SYS_fsync) calls += "flush ";
+        if (call.call == SYS_linkat) calls += "link ";
+        return kMakeIt;
+      };
+      const auto end = support::Trace([&] { return SaveTraced(name, {true, onDisk}); }, note);
+      EXPECT_EQ(end.status, resDone);
+      EXPECT_EQ(calls, onDisk ? "write flush link flush " : "write link ") << name;
+    }
+    fs::remove(Path("new"));
+  }
+}
+
 // ---- An end or an error at every call ----
 
 struct Way {
@@ -392,6 +415,7 @@ TEST_F(BrokenSaves, AFailedCallLeavesTheOldOrTheNewFile) {
         const bool isDone = end.status == resDone;
         const bool goesOn = error == EINTR && WaitsForOthers(failed);
         EXPECT_TRUE(isDone || !goesOn);
+        EXPECT_FALSE(isDone && failed.call == SYS_fsync && error == EIO);
         const bool mayBeNew = isDone || failed.call == SYS_fsync;
         EXPECT_EQ(CheckAndRepair(way, !isDone, mayBeNew).size(), 0u);
         refused += isDone ? 0 : 1;
