@@ -4,6 +4,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/sysmacros.h>
 #include <sys/xattr.h>
 #include <vector>
 
@@ -161,10 +162,12 @@ TEST_F(HostSaves, FollowLinks) {
 }
 
 TEST_F(HostSaves, WriteWhatIsNoRegularFileAsItIs) {
+  // Root could replace the system's own device, so it gets another, where it may make one.
+  const bool hasDevice = !isRoot || mknod(Path("full").c_str(), S_IFCHR | 0666, makedev(1, 7)) == 0;
   VFile file;
   file = "text";
-  vf::SaveComplete(file, "/dev/full", kOverOnDisk);
-  EXPECT_EQ(file.res, resDiskFull);
+  if (hasDevice) vf::SaveComplete(file, isRoot ? vf::Name(Path("full")) : vf::Name("/dev/full"), kOverOnDisk);
+  EXPECT_EQ(file.res, hasDevice ? resDiskFull : resDone);
   ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
   const int reader = open(Path("pipe").c_str(), O_RDWR | O_NONBLOCK);
   EXPECT_EQ(Save("pipe", kOverOnDisk), resDone);
