@@ -89,5 +89,16 @@ expect "good" 0 hfiledir logs "*"
 w" ] || fail "wrong attributes"
 expect "good" 0 vmem logs "*"
 
+for sample in vf_movable vf_ranges vf_streams vf_text; do
+  with
+  expect "good" 0 $sample
+done
+for sample in vf_names vf_progress; do
+  with
+  expect "without its input" 1 $sample
+  with big.log "$long"
+  expect "good input" 0 $sample big.log "$long"
+done
+
 [ $failures -eq 0 ] && echo "all good"
 exit $failures
