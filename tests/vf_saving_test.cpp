@@ -6,6 +6,7 @@
 #include "support/FullDisk.h"
 #include "support/Halts.h"
 #include "support/Saves.h"
+#include "vf/Progress.h"
 #include "vf/Saving.h"
 
 namespace {
@@ -115,6 +116,16 @@ TEST_F(Saves, AHaltLeavesWhatWasThere) {
     }
   }
   VFile::SetMaxCacheSize(70);
+}
+
+TEST_F(Saves, OneThatIsEndedLeavesWhatWasThere) {
+  VFile file;
+  file = std::string(3 << 20, 'x').c_str();
+  const vf::Progress progress(file, [](std::int64_t, std::int64_t) { return false; });
+  vf::SaveComplete(file, Name("old"), {true, true});
+  EXPECT_EQ(file.res, resNotDone);
+  EXPECT_EQ(Names(), before);
+  EXPECT_EQ(Content("old"), "old");
 }
 
 TEST_F(Saves, DoNothingBehindAFailureOrOnAnotherThread) {

@@ -77,15 +77,15 @@ chmod 444 notes.txt
 expect "a read-only input" 1 readme_2 notes.txt "the ERROR colour" notes.new "the ERROR colour"
 
 with
-expect "without its input" 1 saving
+expect "without its input" 1 vf_saving
 with notes.txt "$text"
-expect "good input" 0 saving notes.txt "the ERROR colour"
+expect "good input" 0 vf_saving notes.txt "the ERROR colour"
 with notes.txt "$text"
 chmod 444 notes.txt
-expect "a read-only input" 1 saving notes.txt "$text"
-if only_posix "saving, a full disk"; then
+expect "a read-only input" 1 vf_saving notes.txt "$text"
+if only_posix "vf_saving, a full disk"; then
   with notes.txt "$long"
-  expect "a full disk" 1 saving notes.txt "$long"
+  expect "a full disk" 1 vf_saving notes.txt "$long"
 fi
 
 with
@@ -100,6 +100,17 @@ expect "good" 0 hfiledir logs "*"
 [ "$(stat -c %A logs/a.txt logs/b | cut -c 3)" = "-
 w" ] || fail "wrong attributes"
 expect "good" 0 vmem logs "*"
+
+for sample in vf_movable vf_ranges vf_streams vf_text; do
+  with
+  expect "good" 0 $sample
+done
+for sample in vf_names vf_progress; do
+  with
+  expect "without its input" 1 $sample
+  with big.log "$long"
+  expect "good input" 0 $sample big.log "$long"
+done
 
 [ $failures -eq 0 ] && echo "all good"
 exit $failures

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -239,17 +240,14 @@ TEST_F(TracedSaves, WhatGotTheNameMeanwhileStays) {
        {Row{"old", true, resNoPermission}, Row{"new", true, resNoPermission}, Row{"new", false, resAlreadyExists}}) {
     SCOPED_TRACE(testing::Message() << name << overwrite);
     bool done = false;
-    const auto end = support::Trace(
-        [&] {
-          return SaveTraced(name, {overwrite, true});
-        },
-        [&](const SystemCall& call) {
-          if (done || call.call != SYS_write) return kMakeIt;
-          done = true;
-          Put("other", "other");
-          fs::rename(Path("other"), Path(name));
-          return kMakeIt;
-        });
+    const auto replace = [&](const SystemCall& call) {
+      if (done || call.call != SYS_write) return kMakeIt;
+      done = true;
+      Put("other", "other");
+      fs::rename(Path("other"), Path(name));
+      return kMakeIt;
+    };
+    const auto end = support::Trace([&] { return SaveTraced(name, {overwrite, true}); }, replace);
     EXPECT_EQ(end.status, res);
     EXPECT_EQ(Content(name), "other");
     fs::remove(Path("new"));
@@ -257,29 +255,20 @@ TEST_F(TracedSaves, WhatGotTheNameMeanwhileStays) {
   }
 }
 
-TEST_F(TracedSaves, KeepOthersFromTheOldFile) {
-  int tries = 0;
-  const auto end = support::Trace([&] { return SaveTraced("old", kOver); },
-                                  [&](const SystemCall& call) {
-                                    if (call.call != SYS_write) return kMakeIt;
-                                    HFile other;
-                                    EXPECT_FALSE(other.OpenSeqRead(Name("old").c_str()));
-                                    EXPECT_EQ(other.res, resNoPermission);
-                                    ++tries;
-                                    return kMakeIt;
-                                  });
-  EXPECT_EQ(end.status, resDone);
-  EXPECT_GT(tries, 0);
-}
-
 // The rights are those that the old file has when it is replaced.
-TEST_F(TracedSaves, KeepRightsThatWereGivenMeanwhile) {
-  const auto end = support::Trace([&] { return SaveTraced("old", kOver); },
-                                  [&](const SystemCall& call) {
-                                    EXPECT_TRUE(call.call != SYS_write || chmod(Path("old").c_str(), 0604) == 0);
-                                    return kMakeIt;
-                                  });
-  EXPECT_EQ(end.status, resDone);
+TEST_F(TracedSaves, KeepOthersFromTheOldFileAndTheRightsThatItWasGiven) {
+  int tries = 0;
+  const auto look = [&](const SystemCall& call) {
+    if (call.call != SYS_write) return kMakeIt;
+    HFile other;
+    EXPECT_FALSE(other.OpenSeqRead(Name("old").c_str()));
+    EXPECT_EQ(other.res, resNoPermission);
+    EXPECT_EQ(chmod(Path("old").c_str(), 0604), 0);
+    ++tries;
+    return kMakeIt;
+  };
+  EXPECT_EQ(support::Trace([&] { return SaveTraced("old", kOver); }, look).status, resDone);
+  EXPECT_GT(tries, 0);
   EXPECT_EQ(StatusOf("old").st_mode & 07777, 0604u);
 }
 
@@ -325,25 +314,10 @@ int AnswerOf(const Way& way, const SystemCall& call) {
 
 /// Whether the call is one of files, rather than of memory and the process.
 bool IsOfFiles(const SystemCall& call) {
-  switch (call.call) {
-    case SYS_brk:
-    case SYS_mmap:
-    case SYS_munmap:
-    case SYS_mremap:
-    case SYS_madvise:
-    case SYS_mprotect:
-    case SYS_futex:
-    case SYS_getpid:
-    case SYS_gettid:
-    case SYS_getrandom:
-    case SYS_rt_sigprocmask:
-    case SYS_rt_sigaction:
-    case SYS_sigaltstack:
-    case SYS_exit_group:
-      return false;
-    default:
-      return true;
-  }
+  constexpr long kOthers[] = {SYS_brk,       SYS_mmap,           SYS_munmap,       SYS_mremap,      SYS_madvise,
+                              SYS_mprotect,  SYS_futex,          SYS_getpid,       SYS_gettid,      SYS_tgkill,
+                              SYS_getrandom, SYS_rt_sigprocmask, SYS_rt_sigaction, SYS_sigaltstack, SYS_exit_group};
+  return std::ranges::find(kOthers, call.call) == std::end(kOthers);
 }
 
 /// Whether a signal may interrupt the call, which is then made again.

@@ -21,11 +21,10 @@ class Inside {
   static Meter*& MeterOf(VFile& file) { return file.meter; }
   static const std::uint32_t& ChangesOf(const VFile& file) { return file.changes; }
 
-  /// A cursor at `position`, 0 to the length, at the start of a block rather than at the end of the one before.
-  static BlkRdr Locate(const VFile& file, std::int32_t position) {
-    BlkRdr cursor;
-    file.SetPosC(cursor, position);
-    return cursor;
+  /// Moves a cursor, new or still valid, to `position`, 0 to the length: to the start of a block rather than the end of the one before.
+  static void Seek(const VFile& file, BlkRdr& cursor, std::int32_t position) {
+    if (cursor.ptr == nullptr) cursor = file.cur;
+    file.Walk(cursor, position, false);
   }
   /// Copies `count` bytes at the cursor, which its block has; false behind a halt that returned.
   static bool Copy(const VFile& file, const BlkRdr& cursor, void* bytes, std::int16_t count) {

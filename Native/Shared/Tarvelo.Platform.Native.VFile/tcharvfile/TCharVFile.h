@@ -246,7 +246,7 @@ class VFILE_API TCharVFile : protected VFile {
   // TextSearch.cpp
   bool IsWordUnitBehind(std::int32_t position);
   bool IsWordUnitBefore(std::int32_t position);
-  bool FindNext(UnitSearch& search, std::int32_t& position, std::int32_t n, bool wholeWord);
-  bool ScanForward(UnitSearch& search, std::int32_t& position);
-  bool ScanBackward(UnitSearch& search, std::int32_t& position);
+  bool FindNext(UnitSearch& search, vfile::Pass& pass, std::int32_t& position, std::int32_t n, bool wholeWord);
+  bool ScanForward(UnitSearch& search, vfile::Pass& pass, std::int32_t& position);
+  bool ScanBackward(UnitSearch& search, vfile::Pass& pass, std::int32_t& position);
 };

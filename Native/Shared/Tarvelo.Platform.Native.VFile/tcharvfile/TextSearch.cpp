@@ -5,6 +5,7 @@
 #include "hsys/WrapAdd.h"
 #include "tcharvfile/TCharVFile.h"
 #include "tcharvfile/UnitCount.h"
+#include "vfile/Meter.h"
 #include "vfile/SearchText.h"
 
 using tcharvfile::TCharsToBytes;
@@ -31,13 +32,15 @@ bool TCharVFile::FindTChars(std::int32_t& position, const TChar* text, bool igno
   const std::int32_t n = vfile::SearchLength(LengthOf(text));
   if (n == 0) return true;
   UnitSearch search(text, n, UnitSearch::kForward, ignoreCase);
-  return FindNext(search, position, n, wholeWord);
+  vfile::Pass pass(meter, length - std::min(TCharsToBytes(position), length));
+  return FindNext(search, pass, position, n, wholeWord);
 }
 
-bool TCharVFile::FindNext(UnitSearch& search, std::int32_t& position, std::int32_t n, bool wholeWord) {
+bool TCharVFile::FindNext(UnitSearch& search, vfile::Pass& pass, std::int32_t& position, std::int32_t n,
+                          bool wholeWord) {
   SetPos(TCharsToBytes(position));
   do {
-    if (!ScanForward(search, position) || res != resDone) return false;
+    if (!ScanForward(search, pass, position) || res != resDone) return false;
   } while (wholeWord && (IsWordUnitBehind(position) || IsWordUnitBefore(position - n)));
   return res == resDone;
 }
@@ -54,9 +57,10 @@ bool TCharVFile::FindBackTChars(std::int32_t& position, const TChar* text, bool 
   const std::int32_t n = vfile::SearchLength(LengthOf(text));
   if (n == 0) return true;
   UnitSearch search(text, n, UnitSearch::kBackward, ignoreCase);
+  vfile::Pass pass(meter, std::min(TCharsToBytes(position), length));
   SetPos(TCharsToBytes(position));
   do {
-    if (!ScanBackward(search, position) || res != resDone) return false;
+    if (!ScanBackward(search, pass, position) || res != resDone) return false;
   } while (wholeWord && (IsWordUnitBefore(position) || IsWordUnitBehind(position + n)));
   return res == resDone;
 }
@@ -74,8 +78,9 @@ std::int32_t TCharVFile::ReplaceGlobalTChars(const TChar* oldText, const TChar* 
     return 0;
   }
   UnitSearch search(oldText, n, UnitSearch::kForward, ignoreCase);
+  vfile::Pass pass(meter, length);
   std::int32_t count = 0;
-  for (std::int32_t at = 0; FindNext(search, at, n, wholeWord); ++count) {
+  for (std::int32_t at = 0; FindNext(search, pass, at, n, wholeWord); ++count) {
     if (AdmitSize(size)) {
       VFile::ReplaceBuf(TCharsToBytes(at - n), TCharsToBytes(n), newText, static_cast<std::int32_t>(size));
     }
@@ -107,7 +112,7 @@ bool TCharVFile::IsWordUnitBefore(std::int32_t position) {
 // two bytes. Found or not, one unit more than the match has been read in the end, or the end of the text been met, and
 // `position` counts the units.
 
-bool TCharVFile::ScanForward(UnitSearch& search, std::int32_t& position) {
+bool TCharVFile::ScanForward(UnitSearch& search, vfile::Pass& pass, std::int32_t& position) {
   search.Restart();
   RunBuffer spare;
   unsigned char cut[2];
@@ -133,6 +138,7 @@ bool TCharVFile::ScanForward(UnitSearch& search, std::int32_t& position) {
     const std::int32_t used = taken < 0 ? units : taken;
     if (run.bytes != cut) Skip(2 * used);
     position += used;
+    if (!pass.Advance(2 * used)) return false;
     if (taken < 0) continue;
     TChar behind;
     ReadTChar(behind);
@@ -140,7 +146,7 @@ bool TCharVFile::ScanForward(UnitSearch& search, std::int32_t& position) {
   }
 }
 
-bool TCharVFile::ScanBackward(UnitSearch& search, std::int32_t& position) {
+bool TCharVFile::ScanBackward(UnitSearch& search, vfile::Pass& pass, std::int32_t& position) {
   search.Restart();
   RunBuffer spare;
   unsigned char cut[2];
@@ -167,6 +173,7 @@ bool TCharVFile::ScanBackward(UnitSearch& search, std::int32_t& position) {
     const std::int32_t used = taken < 0 ? units : taken;
     if (run.bytes != cut) Skip(-2 * used);
     position -= used;
+    if (!pass.Advance(2 * used)) return false;
     if (taken < 0) continue;
     TChar before;
     ReadPrevTChar(before);

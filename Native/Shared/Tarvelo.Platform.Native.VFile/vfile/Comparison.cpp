@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "vfile/Meter.h"
 #include "vfile/Require.h"
 #include "vfile/VFile.h"
 
@@ -12,7 +13,7 @@ class Comparison {
  public:
   static bool Equal(const VFile& left, const VFile& right);
   static bool Equal(const VFile& left, const char* right);
-  /// Below, at or above 0 as `left` is less, equal or greater; above 0 also behind a halt that returned.
+  /// Below, at or above 0 as `left` is less, equal or greater; above 0 also behind a halt that returned, and where a procedure has ended it.
   static int Order(const VFile& left, const VFile& right);
   static int Order(const VFile& left, const char* right);
 
@@ -35,6 +36,7 @@ class Comparison::FileBytes {
   explicit FileBytes(const VFile& file) : file_(file) { file_.SetPosC(reader_, 0); }
 
   std::size_t Length() const { return static_cast<std::size_t>(file_.length); }
+  Meter* MeterOf() const { return file_.meter; }
   /// The next `count` bytes, at most `BlkSize`, which are there; null behind a halt that returned. Good until the next call.
   const unsigned char* Next(std::size_t count) {
     return file_.ReadBytesC(reader_, bytes_, static_cast<std::int32_t>(count)) ? bytes_ : nullptr;
@@ -52,6 +54,7 @@ class Comparison::StringBytes {
   explicit StringBytes(const char* text) : next_(text), length_(std::strlen(text)) {}
 
   std::size_t Length() const { return length_; }
+  static Meter* MeterOf() { return nullptr; }
   const char* Next(std::size_t count) {
     const char* bytes = next_;
     next_ += count;
@@ -67,6 +70,7 @@ class Comparison::StringBytes {
 template <typename Right>
 int Comparison::Difference(const VFile& left, Right& right, std::size_t count) {
   FileBytes bytes(left);
+  Pass pass(left.meter != nullptr ? left.meter : right.MeterOf(), static_cast<std::int64_t>(count));
   int difference = 0;
   while (count > 0 && difference == 0) {
     const std::size_t chunk = std::min(count, std::size_t{BlkSize});
@@ -76,6 +80,7 @@ int Comparison::Difference(const VFile& left, Right& right, std::size_t count) {
     if (leftBytes == nullptr || rightBytes == nullptr) return 1;
     difference = std::memcmp(leftBytes, rightBytes, chunk);
     count -= chunk;
+    if (!pass.Advance(static_cast<std::int64_t>(chunk))) return 1;
   }
   return difference;
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "hfile/BytesLeft.h"
 #include "host/Host.h"
@@ -11,6 +12,7 @@
 #include "vfile/ContentSource.h"
 #include "vfile/InBlock.h"
 #include "vfile/LineEnds.h"
+#include "vfile/Meter.h"
 #include "vfile/NewChain.h"
 #include "vfile/Require.h"
 #include "vmem/VMem.h"
@@ -172,13 +174,14 @@ bool VFile::ChangeByChain(Source& source, std::int32_t position, std::int32_t de
   const std::int32_t n = std::min(count, BlkSize - cur.ix);
   if (!CopyFrom(source, head, n)) return false;
   NewChain chain(*this);
+  vfile::Pass pass(meter, count);
   for (std::int32_t left = count - n; left > 0;) {
     const std::int32_t part = std::min(left, BlkSize);
     unsigned char spare[BlkSize];
     if (!chain.AddBlock(part)) return false;
     const void* bytes = source.Take(spare, part);
     if (bytes == nullptr) return Refuse();
-    if (!chain.Fill(bytes)) return false;
+    if (!chain.Fill(bytes) || !pass.Advance(part)) return false;
     left -= part;
   }
   return Allow(position, del, count) && DoChange(del, head, n, chain, count);
@@ -264,6 +267,7 @@ void VFile::ReplaceByReading(std::int32_t position, std::int32_t del, bool open,
     if (expected > 0 && !SpaceHolds(at, out, expected, true)) return;
   }
   NewChain chain(*this);
+  vfile::Pass pass(meter, meter != nullptr ? std::min<std::int64_t>(bytesLeft(), count) : -1);
   std::int32_t total = 0;
   while (total < count) {
     unsigned char piece[BlkSize];
@@ -274,7 +278,7 @@ void VFile::ReplaceByReading(std::int32_t position, std::int32_t del, bool open,
       return;
     }
     if (got == 0) break;
-    if (!chain.AddBlock(got) || !chain.Fill(piece)) return;
+    if (!chain.AddBlock(got) || !chain.Fill(piece) || !pass.Advance(got)) return;
     total += got;
   }
   if (total < count && count != MaxLen) {
@@ -300,6 +304,8 @@ void VFile::ReplaceContent(vfile::ContentSource& source) {
   if (n < 0) return;
   bool hasEol = vfile::FindEol(head, n) < n;
   NewChain chain(*this);
+  vfile::Pass pass(meter, del);
+  std::int32_t told = 0;
   std::int32_t total = n;
   for (std::int32_t part = n; part == BlkSize;) {
     unsigned char piece[BlkSize];
@@ -313,6 +319,8 @@ void VFile::ReplaceContent(vfile::ContentSource& source) {
     if (!chain.AddBlock(part) || !chain.Fill(piece)) return;
     if (!hasEol) hasEol = vfile::FindEol(piece, part) < part;
     total += part;
+    // The source reads the old content.
+    if (!pass.Advance(pos - std::exchange(told, pos))) return;
   }
   if (del > 0 || total > 0) {
     InitChange(0);

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "hsys/WrapAdd.h"
+#include "vfile/Meter.h"
 #include "vfile/SearchText.h"
 #include "vfile/VFile.h"
 
@@ -30,13 +31,14 @@ bool VFile::Find(std::int32_t& position, const char* text, bool ignoreCase, bool
   const std::int32_t n = LengthOf(text);
   if (n == 0) return true;
   ByteSearch search(text, n, ByteSearch::kForward, ignoreCase);
-  return FindNext(search, position, n, wholeWord);
+  vfile::Pass pass(meter, length - std::min(position, length));
+  return FindNext(search, pass, position, n, wholeWord);
 }
 
-bool VFile::FindNext(ByteSearch& search, std::int32_t& position, std::int32_t n, bool wholeWord) {
+bool VFile::FindNext(ByteSearch& search, vfile::Pass& pass, std::int32_t& position, std::int32_t n, bool wholeWord) {
   SetPos(position);
   do {
-    if (!ScanForward(search, position) || res != resDone) return false;
+    if (!ScanForward(search, pass, position) || res != resDone) return false;
   } while (wholeWord && (IsWordByteBehind(position) || IsWordByteBefore(position - n)));
   return res == resDone;
 }
@@ -50,9 +52,10 @@ bool VFile::FindBack(std::int32_t& position, const char* text, bool ignoreCase, 
   const std::int32_t n = LengthOf(text);
   if (n == 0) return true;
   ByteSearch search(text, n, ByteSearch::kBackward, ignoreCase);
+  vfile::Pass pass(meter, std::min(position, length));
   SetPos(position);
   do {
-    if (!ScanBackward(search, position) || res != resDone) return false;
+    if (!ScanBackward(search, pass, position) || res != resDone) return false;
   } while (wholeWord && (IsWordByteBefore(position) || IsWordByteBehind(position + n)));
   return res == resDone;
 }
@@ -66,8 +69,9 @@ std::int32_t VFile::ReplaceGlobal(const char* oldText, const char* newText, bool
     return 0;
   }
   ByteSearch search(oldText, n, ByteSearch::kForward, ignoreCase);
+  vfile::Pass pass(meter, length);
   std::int32_t count = 0;
-  for (std::int32_t at = 0; FindNext(search, at, n, wholeWord); ++count) {
+  for (std::int32_t at = 0; FindNext(search, pass, at, n, wholeWord); ++count) {
     if (AdmitSize(m)) ReplaceBuf(at - n, n, newText, static_cast<std::int32_t>(m));
     if (res != resDone) break;
     // Behind the new text, which is not searched again.
@@ -96,7 +100,7 @@ bool VFile::IsWordByteBefore(std::int32_t position) {
 // The two scans. Each goes through the file once, block by block. Found or not, one byte more than the match has been read
 // in the end, or the end of the file been met, and `position` counts the bytes.
 
-bool VFile::ScanForward(ByteSearch& search, std::int32_t& position) {
+bool VFile::ScanForward(ByteSearch& search, vfile::Pass& pass, std::int32_t& position) {
   search.Restart();
   RunBuffer spare;
   MoveOn(position);
@@ -108,8 +112,10 @@ bool VFile::ScanForward(ByteSearch& search, std::int32_t& position) {
       return false;
     }
     const std::int32_t taken = search.FeedForward(run.bytes, run.count);
-    Skip(taken < 0 ? run.count : taken);
-    position += taken < 0 ? run.count : taken;
+    const std::int32_t used = taken < 0 ? run.count : taken;
+    Skip(used);
+    position += used;
+    if (!pass.Advance(used)) return false;
     if (taken < 0) continue;
     unsigned char behind;
     ReadByte(behind);
@@ -117,7 +123,7 @@ bool VFile::ScanForward(ByteSearch& search, std::int32_t& position) {
   }
 }
 
-bool VFile::ScanBackward(ByteSearch& search, std::int32_t& position) {
+bool VFile::ScanBackward(ByteSearch& search, vfile::Pass& pass, std::int32_t& position) {
   search.Restart();
   RunBuffer spare;
   position = std::min(position, length);
@@ -130,8 +136,10 @@ bool VFile::ScanBackward(ByteSearch& search, std::int32_t& position) {
       return false;
     }
     const std::int32_t taken = search.FeedBackward(run.bytes, run.count);
-    Skip(taken < 0 ? -run.count : -taken);
-    position -= taken < 0 ? run.count : taken;
+    const std::int32_t used = taken < 0 ? run.count : taken;
+    Skip(-used);
+    position -= used;
+    if (!pass.Advance(used)) return false;
     if (taken < 0) continue;
     unsigned char before;
     ReadPrevByte(before);

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "host/Host.h"
+#include "vfile/Meter.h"
 #include "vfile/VFile.h"
 
 namespace {
@@ -70,6 +71,7 @@ void VFile::WriteByPieces(bool open, std::int32_t count, WritePiece writePiece) 
     return;
   }
   count = std::min(count, length - pos);
+  vfile::Pass pass(meter, count);
   while (count > 0) {
     unsigned char piece[BlkSize];
     const std::int32_t n = ReadBytes(piece, std::min(count, BlkSize));
@@ -79,7 +81,7 @@ void VFile::WriteByPieces(bool open, std::int32_t count, WritePiece writePiece) 
       return;
     }
     res = writePiece(piece, n);
-    if (res != resDone) return;
+    if (res != resDone || !pass.Advance(n)) return;
     count -= n;
   }
 }

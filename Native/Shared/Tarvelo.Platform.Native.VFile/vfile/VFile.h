@@ -73,6 +73,7 @@ class Comparison;
 class ContentSource;
 class Inside;
 class Meter;
+class Pass;
 class PositionIndex;
 }  // namespace vfile
 
@@ -755,9 +756,9 @@ class VFILE_API VFile {
   // Search.cpp
   bool IsWordByteBehind(std::int32_t position);
   bool IsWordByteBefore(std::int32_t position);
-  bool FindNext(ByteSearch& search, std::int32_t& position, std::int32_t n, bool wholeWord);
-  bool ScanForward(ByteSearch& search, std::int32_t& position);
-  bool ScanBackward(ByteSearch& search, std::int32_t& position);
+  bool FindNext(ByteSearch& search, vfile::Pass& pass, std::int32_t& position, std::int32_t n, bool wholeWord);
+  bool ScanForward(ByteSearch& search, vfile::Pass& pass, std::int32_t& position);
+  bool ScanBackward(ByteSearch& search, vfile::Pass& pass, std::int32_t& position);
 
   // Lines.cpp
   bool AdmitLine(std::int32_t position, std::int32_t line = VFILE_LINE);

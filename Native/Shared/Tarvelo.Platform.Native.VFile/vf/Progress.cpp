@@ -1,0 +1,23 @@
+#include "vf/Progress.h"
+
+#include <utility>
+
+#include "tcharvfile/Inside.h"
+#include "vfile/Meter.h"
+
+using vfile::Inside;
+
+namespace vf {
+
+Progress::Progress(VFile& file, Procedure procedure)
+    : file_(file),
+      meter_(std::make_unique<vfile::Meter>(std::move(procedure), file.res)),
+      before_(std::exchange(Inside::MeterOf(file), meter_.get())) {}
+
+Progress::Progress(TCharVFile& text, Procedure procedure) : Progress(Inside::FileOf(text), std::move(procedure)) {}
+
+Progress::~Progress() { Inside::MeterOf(file_) = before_; }
+
+bool Progress::IsCancelled() const { return meter_->IsCancelled(); }
+
+}  // namespace vf
