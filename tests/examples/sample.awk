@@ -7,6 +7,10 @@ header && /^#pragma once/ { exit }
 header && /^\/\/\/     / {
   if (!inside) {
     inside = 1
+    name = ARGV[1]
+    sub(/.*Native\.VFile\//, "", name)
+    print "#include <cstdio>\n"
+    print "#include \"" name "\""
     print "#include \"hfile/HFile.h\"\n#include \"hfile/HFileDir.h\"\n#include \"tcharvfile/TCharVFile.h\"\n#include \"vmem/VMem.h\"\n"
     print "namespace {\n\nstd::int32_t Sample() {"
   }

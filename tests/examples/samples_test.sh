@@ -47,7 +47,7 @@ fail() {
 text='teh ERROR colour'
 long=$(yes "$text" | head -c 3000)
 for row in 'readme_1 big.log revised.log' 'vfile big.log revised.log' 'tcharvfile notes.txt revised.txt' \
-  'readme_2 notes.txt notes.new'; do
+  'readme_2 notes.txt notes.new' 'losses notes.txt notes.ansi'; do
   # shellcheck disable=SC2086
   set -- $row
   sample=$1 in=$2 out=$3
@@ -76,7 +76,14 @@ expect "good input" 0 readme_2 notes.txt "the ERROR colour"
 chmod 444 notes.txt
 expect "a read-only input" 1 readme_2 notes.txt "the ERROR colour" notes.new "the ERROR colour"
 
+with notes.txt "$text"
+expect "good input" 0 losses notes.txt "$text" notes.ansi "$text"
+printf '\357\273\277caf\303' >notes.txt
+rm notes.ansi
+expect "ill-formed input" 1 losses notes.txt "*"
+
 with
+expect "good" 0 characters
 expect "good" 0 hfile numbers "*"
 [ "$(od -An -td4 numbers | tr -s ' ')" = " 1 2 3" ] || fail "wrong numbers"
 with numbers old
