@@ -19,6 +19,7 @@
 
 #include "host/FindData.h"
 #include "host/Handle.h"
+#include "host/LossRecord.h"
 #include "host/Unit.h"
 
 namespace host {
@@ -320,7 +321,9 @@ class CodePageConversion {
   /// becomes "?".
   enum Direction { kToUnits, kToBytes };
 
-  explicit CodePageConversion(Direction direction);
+  /// `losses`, unless null, is told what of a piece is replaced, counted in units from the first one that the piece gives or takes. The
+  /// two halves of a pair are one character. Nothing else about the conversion depends on it.
+  explicit CodePageConversion(Direction direction, LossRecord* losses = nullptr);
   ~CodePageConversion();
   CodePageConversion(const CodePageConversion&) = delete;
   CodePageConversion& operator=(const CodePageConversion&) = delete;
@@ -335,6 +338,7 @@ class CodePageConversion {
 
  private:
   Direction direction_;
+  LossRecord* losses_;
   void* handle_;
 };
 

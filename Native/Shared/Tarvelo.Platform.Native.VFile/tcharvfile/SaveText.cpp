@@ -46,22 +46,29 @@ class ToUtf8 {
  public:
   static constexpr std::int32_t kMostOfUnit = 3;
 
+  explicit ToUtf8(host::LossRecord* losses) : losses_(losses) {}
+
   bool IsOpen() const { return true; }
 
   std::size_t Convert(const TChar*& units, std::size_t& count, char* bytes, std::size_t /*room*/, bool last) {
     const bool isCut = !last && count > 0 && host::IsHighSurrogate(units[count - 1]);
     const std::size_t whole = count - (isCut ? 1 : 0);
-    const std::size_t written = tcharvfile::UnitsToUtf8(units, whole, bytes, kReplacement);
+    const std::size_t written = tcharvfile::UnitsToUtf8(units, whole, bytes, kReplacement, losses_);
     units += whole;
     count -= whole;
     return written;
   }
+
+ private:
+  host::LossRecord* losses_;
 };
 
 class ToCodePage {
  public:
   /// With what brings it about in a character set with shift states.
   static constexpr std::int32_t kMostOfUnit = 16;
+
+  explicit ToCodePage(host::LossRecord* losses) : conversion_(host::CodePageConversion::kToBytes, losses) {}
 
   bool IsOpen() const { return conversion_.IsOpen(); }
 
@@ -76,7 +83,7 @@ class ToCodePage {
   }
 
  private:
-  host::CodePageConversion conversion_{host::CodePageConversion::kToBytes};
+  host::CodePageConversion conversion_;
 };
 
 // ---- Where converted bytes go ----
@@ -121,9 +128,9 @@ class Writer {
   std::size_t size_ = 0;
 };
 
-/// Converts a whole text; false if its units could not be had.
+/// Converts a whole text; false if its units could not be had. `losses`, unless null, goes with the pieces.
 template <typename Conversion, typename Sink>
-bool ConvertAll(TCharVFile& text, Conversion& conversion, Sink& sink) {
+bool ConvertAll(TCharVFile& text, Conversion& conversion, Sink& sink, host::LossRecord* losses) {
   TChar units[1 + kPiece];
   std::size_t waiting = 0;
   UnitReader reader(text);
@@ -133,6 +140,7 @@ bool ConvertAll(TCharVFile& text, Conversion& conversion, Sink& sink) {
     const TChar* next = units;
     std::size_t count = waiting + static_cast<std::size_t>(got);
     sink.Add(conversion.Convert(next, count, sink.Room(), kRoom<Conversion>, reader.IsAtEnd()));
+    if (losses != nullptr) losses->units += next - units;
     std::copy(next, next + count, units);
     waiting = count;
   } while (!reader.IsAtEnd() && sink.GoesOn());
@@ -144,21 +152,22 @@ bool ConvertAll(TCharVFile& text, Conversion& conversion, Sink& sink) {
 template <typename Conversion>
 bool Fits(TCharVFile& text) {
   if (text.TCharLength() <= MaxLen / Conversion::kMostOfUnit) return true;
-  Conversion conversion;
+  Conversion conversion(nullptr);
   Counter<Conversion> counter;
-  return !conversion.IsOpen() || !ConvertAll(text, conversion, counter) || counter.Total() <= std::size_t{MaxLen};
+  return !conversion.IsOpen() || !ConvertAll(text, conversion, counter, nullptr) ||
+         counter.Total() <= std::size_t{MaxLen};
 }
 
 template <typename Conversion>
-void WriteConverted(TCharVFile& text, HFile& file) {
-  Conversion conversion;
+void WriteConverted(TCharVFile& text, HFile& file, host::LossRecord* losses) {
+  Conversion conversion(losses);
   if (!conversion.IsOpen()) {
     file.res = resHeapOverflow;
   } else if (!Fits<Conversion>(text)) {
     file.res = resTooLong;
   } else {
     Writer<Conversion> writer(file);
-    if (ConvertAll(text, conversion, writer)) writer.Finish();
+    if (ConvertAll(text, conversion, writer, losses)) writer.Finish();
   }
 }
 
@@ -187,6 +196,12 @@ void WriteSwapped(TCharVFile& text, HFile& file) {
 }  // namespace
 
 void TCharVFile::SaveText(const TChar* fileName, bool overwrite, Encoding encoding, bool withBom) {
+  SaveText(fileName, overwrite, encoding, withBom, nullptr);
+}
+
+/// Tells `losses`, unless null, what of the text does not come into the file.
+void TCharVFile::SaveText(const TChar* fileName, bool overwrite, Encoding encoding, bool withBom,
+                          host::LossRecord* losses) {
   SetPos(0);
   if (res != resDone) return;
   HFile file;
@@ -194,7 +209,7 @@ void TCharVFile::SaveText(const TChar* fileName, bool overwrite, Encoding encodi
     res = GetFileRes(file);
     return;
   }
-  WriteText(file, encoding, withBom);
+  WriteText(file, encoding, withBom, losses);
 }
 
 void TCharVFile::SaveText(const TString& fileName, bool overwrite, Encoding encoding, bool withBom) {
@@ -202,7 +217,7 @@ void TCharVFile::SaveText(const TString& fileName, bool overwrite, Encoding enco
 }
 
 /// Writes the text from its start, where it stands, to an open file.
-void TCharVFile::WriteText(HFile& file, Encoding encoding, bool withBom) {
+void TCharVFile::WriteText(HFile& file, Encoding encoding, bool withBom, host::LossRecord* losses) {
   switch (encoding) {
     case encUtf16:
       if (withBom) file.WriteBytes("\xFF\xFE", 2);
@@ -215,15 +230,16 @@ void TCharVFile::WriteText(HFile& file, Encoding encoding, bool withBom) {
       break;
     case encUtf8:
       for (const char* byte = "\xEF\xBB\xBF"; withBom && *byte != '\0'; ++byte) file.WriteBytes(byte, 1);
-      WriteConverted<ToUtf8<host::kReplacementCharacter>>(*this, file);
+      WriteConverted<ToUtf8<host::kReplacementCharacter>>(*this, file, losses);
       break;
     default:
       // Also where the ANSI code page is UTF-8, an unpaired surrogate is "?" in this form.
       if (host::GetACP() == host::CP_UTF8) {
-        WriteConverted<ToUtf8<'?'>>(*this, file);
+        WriteConverted<ToUtf8<'?'>>(*this, file, losses);
       } else {
-        WriteConverted<ToCodePage>(*this, file);
+        WriteConverted<ToCodePage>(*this, file, losses);
       }
   }
   if (file.res != resDone) res = GetFileRes(file);
+  if (res == resDone && losses != nullptr) losses->LeaveOut(length % 2, TCharLength());
 }
