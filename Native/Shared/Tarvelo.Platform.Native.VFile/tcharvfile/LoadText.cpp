@@ -8,6 +8,7 @@
 #include "tcharvfile/Encodings.h"
 #include "tcharvfile/TCharVFile.h"
 #include "vfile/ContentSource.h"
+#include "vfile/Meter.h"
 
 const TCharVFile::Encoding TCharVFile::DefaultEncoding = encUtf16;
 
@@ -154,6 +155,8 @@ void TCharVFile::LoadText(const TChar* fileName, Encoding& encoding, std::uint32
 void TCharVFile::LoadText(const TChar* fileName, Encoding& encoding, std::uint32_t shareMode,
                           host::LossRecord* losses) {
   encoding = DefaultEncoding;
+  // The raw bytes come in, and are gone through once more.
+  vfile::Pass pass(meter, -1, 2);
   Load(fileName, shareMode);
   if (res != resDone) return;
   const Encoding marked = ReadMark();

@@ -7,6 +7,7 @@
 #include "host/Utf8.h"
 #include "tcharvfile/Encodings.h"
 #include "tcharvfile/TCharVFile.h"
+#include "vfile/Meter.h"
 
 namespace {
 
@@ -128,9 +129,11 @@ class Writer {
   std::size_t size_ = 0;
 };
 
-/// Converts a whole text; false if its units could not be had. `losses`, unless null, goes with the pieces.
+/// Converts a whole text; false if its units could not be had, or the user of the meter ended it. `losses`, unless null, goes with the
+/// pieces.
 template <typename Conversion, typename Sink>
-bool ConvertAll(TCharVFile& text, Conversion& conversion, Sink& sink, host::LossRecord* losses) {
+bool ConvertAll(TCharVFile& text, vfile::Meter* meter, Conversion& conversion, Sink& sink, host::LossRecord* losses) {
+  vfile::Pass pass(meter, std::int64_t{2} * text.TCharLength());
   TChar units[1 + kPiece];
   std::size_t waiting = 0;
   UnitReader reader(text);
@@ -143,6 +146,7 @@ bool ConvertAll(TCharVFile& text, Conversion& conversion, Sink& sink, host::Loss
     if (losses != nullptr) losses->units += next - units;
     std::copy(next, next + count, units);
     waiting = count;
+    if (!pass.Advance(2 * got)) return false;
   } while (!reader.IsAtEnd() && sink.GoesOn());
   reader.Finish();
   return true;
@@ -150,30 +154,31 @@ bool ConvertAll(TCharVFile& text, Conversion& conversion, Sink& sink, host::Loss
 
 /// Whether the converted text can be written as one, of up to 2^31-1 bytes.
 template <typename Conversion>
-bool Fits(TCharVFile& text) {
+bool Fits(TCharVFile& text, vfile::Meter* meter) {
   if (text.TCharLength() <= MaxLen / Conversion::kMostOfUnit) return true;
   Conversion conversion(nullptr);
   Counter<Conversion> counter;
-  return !conversion.IsOpen() || !ConvertAll(text, conversion, counter, nullptr) ||
+  return !conversion.IsOpen() || !ConvertAll(text, meter, conversion, counter, nullptr) ||
          counter.Total() <= std::size_t{MaxLen};
 }
 
 template <typename Conversion>
-void WriteConverted(TCharVFile& text, HFile& file, host::LossRecord* losses) {
+void WriteConverted(TCharVFile& text, vfile::Meter* meter, HFile& file, host::LossRecord* losses) {
   Conversion conversion(losses);
   if (!conversion.IsOpen()) {
     file.res = resHeapOverflow;
-  } else if (!Fits<Conversion>(text)) {
+  } else if (!Fits<Conversion>(text, meter)) {
     file.res = resTooLong;
   } else {
     Writer<Conversion> writer(file);
-    if (ConvertAll(text, conversion, writer, losses)) writer.Finish();
+    if (ConvertAll(text, meter, conversion, writer, losses)) writer.Finish();
   }
 }
 
 /// Writes swapped units in pieces of up to 1024 bytes, with the outcome of one write for each unit: what is left of a piece that
 /// the host took in part goes out unit by unit, so that the next unit meets the reason.
-void WriteSwapped(TCharVFile& text, HFile& file) {
+void WriteSwapped(TCharVFile& text, vfile::Meter* meter, HFile& file) {
+  vfile::Pass pass(meter, std::int64_t{2} * text.TCharLength());
   TChar units[kPiece];
   UnitReader reader(text);
   for (std::int32_t before = file.GetPos(); !reader.IsAtEnd() && file.res == resDone;) {
@@ -189,6 +194,7 @@ void WriteSwapped(TCharVFile& text, HFile& file) {
         file.WriteBytes(units + i, sizeof *units);
     }
     before += count * 2;
+    if (!pass.Advance(2 * count)) return;
   }
   reader.Finish();
 }
@@ -226,18 +232,18 @@ void TCharVFile::WriteText(HFile& file, Encoding encoding, bool withBom, host::L
       return;
     case encUtf16BE:
       if (withBom) file.WriteBytes("\xFE\xFF", 2);
-      WriteSwapped(*this, file);
+      WriteSwapped(*this, meter, file);
       break;
     case encUtf8:
       for (const char* byte = "\xEF\xBB\xBF"; withBom && *byte != '\0'; ++byte) file.WriteBytes(byte, 1);
-      WriteConverted<ToUtf8<host::kReplacementCharacter>>(*this, file, losses);
+      WriteConverted<ToUtf8<host::kReplacementCharacter>>(*this, meter, file, losses);
       break;
     default:
       // Also where the ANSI code page is UTF-8, an unpaired surrogate is "?" in this form.
       if (host::GetACP() == host::CP_UTF8) {
-        WriteConverted<ToUtf8<'?'>>(*this, file, losses);
+        WriteConverted<ToUtf8<'?'>>(*this, meter, file, losses);
       } else {
-        WriteConverted<ToCodePage>(*this, file, losses);
+        WriteConverted<ToCodePage>(*this, meter, file, losses);
       }
   }
   if (file.res != resDone) res = GetFileRes(file);

@@ -3,6 +3,7 @@
 #include "hfile/HFile.h"
 #include "host/Host.h"
 #include "tcharvfile/Inside.h"
+#include "vf/LossesOf.h"
 
 using vfile::Inside;
 
@@ -36,11 +37,13 @@ void SaveComplete(VFile& file, const Name& name, Saving how) {
   Save(file, name, how, [&](const host::Draft& draft) { file.WriteToFile(draft.File(), MaxLen); });
 }
 
-void SaveTextComplete(TCharVFile& text, const Name& name, TCharVFile::Encoding encoding, bool withBom, Saving how) {
+Losses SaveTextComplete(TCharVFile& text, const Name& name, TCharVFile::Encoding encoding, bool withBom, Saving how) {
+  host::LossRecord record;
   Save(Inside::FileOf(text), name, how, [&](const host::Draft& draft) {
     DraftFile file(draft);
-    Inside::WriteText(text, file, encoding, withBom);
+    Inside::WriteText(text, file, encoding, withBom, &record);
   });
+  return LossesOf(record);
 }
 
 }  // namespace vf

@@ -31,6 +31,7 @@
 
 #include "host/Export.h"
 #include "tcharvfile/TCharVFile.h"
+#include "vf/Losses.h"
 #include "vf/Names.h"
 
 namespace vf {
@@ -38,16 +39,16 @@ namespace vf {
 /// How a complete save treats the name.
 struct Saving {
   bool overwrite = false;  ///< Whether an existing file is replaced.
-  bool onDisk =
-      false;  ///< Whether the save returns only when the disk has content and name; a failure of the name alone is
-              ///< told in `res`, with the new content in place.
+  /// Whether the save returns only when the disk has content and name. A failure of the name alone is told in `res`, with the new
+  /// content in place.
+  bool onDisk = false;
 };
 
 /// Saves the whole content.
 VFILE_API void SaveComplete(VFile& file, const Name& name, Saving how = {});
 
-/// Saves the text in a form, see `TCharVFile::SaveText`.
-VFILE_API void SaveTextComplete(TCharVFile& text, const Name& name, TCharVFile::Encoding encoding, bool withBom,
-                                Saving how = {});
+/// Saves the text in a form, see `TCharVFile::SaveText`, and gives what of it did not come into the file, as `vf::SaveText` does.
+VFILE_API Losses SaveTextComplete(TCharVFile& text, const Name& name, TCharVFile::Encoding encoding, bool withBom,
+                                  Saving how = {});
 
 }  // namespace vf
