@@ -10,7 +10,9 @@
 /// all; `Movable` cannot, so it moves. A class of one's own does the same by declaring its move constructor alone.
 ///
 /// A moved file keeps its content, position, flags and `res`, and the other is empty: see the move constructor of `VFile`. There is no
-/// assignment by moving: `a = b` is a change of `a`, and `swap(a, b)` exchanges contents, both as seen by hooks.
+/// assignment by moving: `a = b` is a change of `a`, also where `b` is a temporary, and `swap(a, b)` exchanges contents, both as seen by
+/// hooks. So what assigns elements (`std::sort`, `std::vector::erase` and `insert` but at its end) does not compile with `Movable`;
+/// `std::list` does without.
 #pragma once
 
 #include <utility>

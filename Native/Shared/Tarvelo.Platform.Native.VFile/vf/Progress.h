@@ -11,7 +11,7 @@
 ///
 /// While a `Progress` lives, its procedure is called from the long operations of its file, on their thread, at most once for each mebibyte
 /// or 20 ms: with the bytes done, and those of the whole operation, or -1 where nothing tells these, as for a pipe. What is done
-/// before that is never told, so the procedure may not be called at all.
+/// before that is never told, so the procedure may not be called at all, and the last call may come before the end.
 ///
 ///     OPERATION                              BYTES                  ENDED
 ///     Load, ReadFile, ReplaceFile and all    of the host's file     the file is unchanged, after `Load` empty

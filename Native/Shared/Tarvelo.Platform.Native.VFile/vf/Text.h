@@ -75,7 +75,7 @@ TCharVFile TextFrom(Number) = delete;
 /// @}
 
 /// @{
-/// A new file with that content; a failure stands in its `res`.
+/// A new file with that content, and the position behind it; a failure stands in its `res`.
 VFILE_API VFile FileFrom(std::string_view bytes);
 VFILE_API TCharVFile TextFrom(TStringView units);
 /// @}
