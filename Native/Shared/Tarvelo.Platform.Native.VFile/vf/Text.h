@@ -121,7 +121,7 @@ requires(!std::same_as<Units, TString>) TCharVFile& operator<<(TCharVFile& text,
 template <vf::ByteString Bytes>
 bool operator==(const VFile& file, const Bytes& bytes) {
   const std::string_view view = bytes;
-  return view.size() == static_cast<std::size_t>(file.Length()) && vf::Compare(file, view) == 0;
+  return view.size() == static_cast<std::size_t>(file.Length()) && std::is_eq(vf::Compare(file, view));
 }
 template <vf::ByteString Bytes>
 std::strong_ordering operator<=>(const VFile& file, const Bytes& bytes) {
@@ -130,7 +130,7 @@ std::strong_ordering operator<=>(const VFile& file, const Bytes& bytes) {
 template <vf::UnitText Units>
 bool operator==(const TCharVFile& text, const Units& units) {
   const vf::TStringView view = units;
-  return view.size() == static_cast<std::size_t>(text.TCharLength()) && vf::Compare(text, view) == 0;
+  return view.size() == static_cast<std::size_t>(text.TCharLength()) && std::is_eq(vf::Compare(text, view));
 }
 template <vf::UnitText Units>
 std::strong_ordering operator<=>(const TCharVFile& text, const Units& units) {
