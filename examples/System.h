@@ -20,6 +20,9 @@ bool IsLink(const vf::Name& name);
 
 bool IsTerminal(std::FILE* stream);
 
+/// Whether standard output took all that was printed.
+inline bool Printed() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
+
 /// The bytes of this process's swap file; nothing where there is none, or the system does not tell.
 std::optional<std::uintmax_t> SwapFileSize();
 

@@ -35,6 +35,8 @@ class Shown {
     if (progress_) std::fprintf(stderr, "\r%*s\r", 40, "");
   }
 
+  static bool IsInterrupted() { return interrupted != 0; }
+
   /// The same for work of the program's own. False if it is interrupted.
   bool Show(std::int64_t done, std::int64_t total) {
     const auto now = std::chrono::steady_clock::now();
@@ -46,7 +48,7 @@ class Shown {
         std::fprintf(stderr, "\r%-12s %" PRId64 " MiB", what_, done >> 20);
       }
     }
-    return interrupted == 0;
+    return !IsInterrupted();
   }
 
  private:

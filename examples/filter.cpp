@@ -39,10 +39,9 @@ int Run(const Arguments& arguments) {
     std::ios::sync_with_stdio(false);
     const std::regex wanted(arguments[0].Utf8());
     VFile text;
-    Shown shown(text, "reading");
     vf::OStream(text) << std::cin.rdbuf();
     vf::Check(text.res);
-    shown.Next("filtering");
+    Shown shown(text, "filtering");  // behind the wait for input, which an interrupt just ends
     const bool done = Filter(text, wanted, arguments[1].Utf8(), shown);
     return done && std::cout.flush() ? 0 : 1;
   } catch (const std::exception& failure) {

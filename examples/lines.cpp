@@ -3,6 +3,7 @@
 
 #include <charconv>
 #include <cstdio>
+#include <stdexcept>
 #include <string>
 
 #include "System.h"
@@ -25,9 +26,10 @@ std::int32_t PrintLines(VFile& text, std::int32_t first, std::int32_t last, Show
       std::printf("%9d %3d  ", number, text.LineIndent(start));
       for (const auto piece : vf::Pieces(text, start, at - eolSize)) std::fwrite(piece.data(), 1, piece.size(), stdout);
       std::putchar('\n');
-    } else if (!shown.Show(at, text.Length())) {
-      throw vf::Error(resNotDone);
+    } else {
+      shown.Show(at, text.Length());
     }
+    if (Shown::IsInterrupted()) throw vf::Error(resNotDone);
   }
   return number;
 }
@@ -64,6 +66,7 @@ int Run(const Arguments& arguments) {
       lines = PrintLines(text, first, last, shown);
     }
     if (lines < last && count > 1) std::fprintf(stderr, "lines: %s has %d lines\n", name.Utf8().c_str(), lines);
+    if (!Printed()) throw std::runtime_error("not all could be printed");
     return lines < first && count > 1 ? 1 : 0;
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "lines: %s\n", failure.what());

@@ -6,6 +6,7 @@
 #include <cinttypes>
 #include <cstdio>
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 
 #include "System.h"
@@ -86,6 +87,7 @@ int Run(const Arguments& arguments) {
     }
     HFile::GetFullName(root, kNameSize, given);
     Walk(root);
+    if (!Printed()) throw std::runtime_error("not all could be printed");
   } catch (const std::exception& failure) {
     PassOver(given, failure.what());
   }

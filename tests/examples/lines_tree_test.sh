@@ -66,4 +66,8 @@ if only_posix "a way through no directory"; then
   grep -q 'top/none/..: no such directory' errors || { echo "FAILED: the reason"; failures=$((failures + 1)); }
 fi
 expect "a file for a directory" 1 "" "$tree" top/a
+if only_posix "an output that takes nothing"; then
+  ! run "$lines" in 2>/dev/null >/dev/full || { echo "FAILED: lines into a full device"; failures=$((failures + 1)); }
+  ! run "$tree" top/sub 2>/dev/null >/dev/full || { echo "FAILED: tree into a full device"; failures=$((failures + 1)); }
+fi
 exit $failures
