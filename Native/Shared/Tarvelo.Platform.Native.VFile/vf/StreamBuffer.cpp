@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tcharvfile/Inside.h"
 #include "vf/Streams.h"
 
 namespace vf {
@@ -68,7 +69,13 @@ StreamBuffer::int_type StreamBuffer::pbackfail(int_type ch) {
   if (!any && !traits_type::eq(before, traits_type::to_char_type(ch))) return traits_type::eof();
   base_ = std::max(place - kSize / 2, 0);
   const std::int32_t got = file_.ReadAt(base_, buffer_, kSize);
-  const std::int32_t back = std::min(place - 1 - base_, got);
+  const std::int32_t back = place - 1 - base_;
+  if (got <= back) {
+    // Behind a halt that returned.
+    base_ = place;
+    setg(nullptr, nullptr, nullptr);
+    return traits_type::eof();
+  }
   setg(buffer_, buffer_ + back, buffer_ + got);
   return traits_type::not_eof(ch);
 }
@@ -107,7 +114,8 @@ StreamBuffer::int_type StreamBuffer::overflow(int_type ch) {
 
 std::streamsize StreamBuffer::xsputn(const char* bytes, std::streamsize count) {
   if (count < kSize) return std::streambuf::xsputn(bytes, count);
-  if (count > MaxLen || !WriteOut()) return 0;
+  if (target_ == nullptr || !WriteOut() || !vfile::Inside::AdmitSize(*target_, static_cast<std::size_t>(count)))
+    return 0;
   DropRead();
   return Write(bytes, static_cast<std::int32_t>(count)) ? count : 0;
 }
@@ -136,6 +144,7 @@ StreamBuffer::pos_type StreamBuffer::seekpos(pos_type position, std::ios_base::o
 int StreamBuffer::sync() {
   if (!WriteOut()) return -1;
   DropRead();
+  base_ = std::min(base_, file_.Length());
   return 0;
 }
 
