@@ -26,7 +26,6 @@ std::int32_t StreamBuffer::Place() const {
 }
 
 bool StreamBuffer::Write(const char* bytes, std::int32_t count) {
-  if (target_ == nullptr) return false;
   target_->ReplaceBuf(base_, target_->FlagOn(vfInsert) ? 0 : SameLen, bytes, count);
   if (target_->res != resDone) return false;
   base_ += count;
@@ -102,7 +101,7 @@ std::streamsize StreamBuffer::showmanyc() {
 // ---- Out ----
 
 StreamBuffer::int_type StreamBuffer::overflow(int_type ch) {
-  if (!WriteOut()) return traits_type::eof();
+  if (target_ == nullptr || !WriteOut()) return traits_type::eof();
   DropRead();
   setp(buffer_, buffer_ + kSize);
   if (!traits_type::eq_int_type(ch, traits_type::eof())) {
@@ -114,8 +113,8 @@ StreamBuffer::int_type StreamBuffer::overflow(int_type ch) {
 
 std::streamsize StreamBuffer::xsputn(const char* bytes, std::streamsize count) {
   if (count < kSize) return std::streambuf::xsputn(bytes, count);
-  if (target_ == nullptr || !WriteOut() || !vfile::Inside::AdmitSize(*target_, static_cast<std::size_t>(count)))
-    return 0;
+  if (target_ == nullptr || !WriteOut()) return 0;
+  if (!vfile::Inside::AdmitSize(*target_, static_cast<std::size_t>(count))) return 0;
   DropRead();
   return Write(bytes, static_cast<std::int32_t>(count)) ? count : 0;
 }
