@@ -54,7 +54,7 @@ struct Progresses : support::InDirectory {
         {RUN(file.SetFlags(vfInsert); file.ReadFile(Name("big").c_str(), 0)), unchanged},
         {RUN(HFile in; in.OpenSeqRead(Name("big").c_str()); file.ReplaceFile(9, SameLen, in, kLength)), unchanged},
         {RUN(file.Save(Name("out").c_str(), true)), underWay},
-        {RUN(HFile out; out.Create(Name("out").c_str(), false); file.WriteToFile(out, MaxLen)), underWay},
+        {RUN(HFile out; out.Create(Name("sink").c_str(), true); file.WriteToFile(out, MaxLen)), underWay},
         {RUN(at = 0; found = file.Find(at, "yz", false, false)), underWay},
         {RUN(at = MaxLen; found = file.FindBack(at, "zx", false, false)), underWay},
         {RUN(at = 0; found = text.FindTChars(at, TSTR("yz"), false, false)), notFound, true},
