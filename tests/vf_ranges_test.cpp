@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <numeric>
 #include <random>
 #include <ranges>
 #include <regex>
@@ -10,74 +9,70 @@
 #include "support/Texts.h"
 #include "vf/Ranges.h"
 
-using support::Bytes, support::Chain, support::Count, support::I32, support::Lengths, support::Pattern, support::Pipe,
-    support::Size, support::TextPeek;
+using support::Bytes, support::Chain, support::Count, support::I32, support::Pattern, support::Pipe, support::Size,
+    support::TextPeek;
 
 namespace {
 
-const Lengths kOdd{3, 1, 1024, 1, 700, 5, 1024, 1023, 1, 2};
-
-/// The starts of the blocks and the places next to them.
-std::vector<I32> Borders(const Lengths& lens) {
-  std::vector<I32> places{0};
-  I32 base = 0;
-  for (const int len : lens) {
-    base += len;
-    for (const I32 place : {base - 1, base, base + 1}) places.push_back(place);
-  }
-  return places;
-}
-
-/// A file of the odd blocks whose scratch buffer is newer than its page.
-struct Dirty : Chain {
-  Dirty() : Chain(kOdd) {
-    ReplaceBuf(1100, 2, "##", 2);
-    SetPos(1101);
-  }
-  auto State() const { return std::tuple(pos, eof, res, cur.ptr, cur.base, cur.ix, bufValid); }
-};
-
-TEST(ReadAt, ReadsAnywhereAndMovesNothing) {
-  Dirty file;
-  const std::string content = Bytes(file);
-  std::mt19937 random(support::Seed());
-  TextPeek text;
-  support::FillInSmallBlocks(text, content, random);
-  const TString units = text.Units();
-  file.eof = true;
-  file.res = resNotFound;
-  const auto before = file.State();
-  const std::vector<I32> borders = Borders(kOdd);
-  for (const I32 from : borders) {
-    for (const I32 to : borders) {
-      std::string bytes(5000, '.');
-      const I32 there = std::max(std::min(to, file.length) - from, 0);
-      EXPECT_EQ(file.ReadAt(from, bytes.data(), to - from), there) << from << " to " << to;
-      EXPECT_EQ(bytes.substr(0, Size(there)), content.substr(std::min(Size(from), content.size()), Size(there)));
-      EXPECT_EQ(bytes[Size(there)], '.');
-      TString read(3000, '.');
-      const I32 whole = std::max(std::min(to, Count(units.size())) - from, 0);
-      EXPECT_EQ(text.ReadTCharsAt(from, read.data(), to - from), whole) << from << " to " << to;
-      EXPECT_EQ(read.substr(0, Size(whole)), units.substr(std::min(Size(from), units.size()), Size(whole)));
-      EXPECT_EQ(read[Size(whole)], '.');
+/// A file of odd blocks whose scratch buffer is newer than its page, and a text of the same bytes in small blocks.
+struct Sources {
+  Sources() {
+    file.ReplaceBuf(1100, 2, "##", 2);
+    file.SetPos(1101);
+    content = Bytes(file);
+    std::mt19937 random(support::Seed());
+    support::FillInSmallBlocks(text, content, random);
+    units = text.Units();
+    I32 base = 0;
+    for (const int len : support::Lens(file)) {
+      base += len;
+      borders.insert(borders.end(), {base - 1, base, base + 1});
     }
   }
-  char byte = '.';
-  TChar unit = '.';
-  for (const auto& [at, count] : {std::pair(-1, 1), {INT32_MIN, MaxLen}, {0, 0}, {0, -1}, {MaxLen, 1}}) {
-    EXPECT_EQ(file.ReadAt(at, &byte, count) + text.ReadTCharsAt(at, &unit, count), 0) << at << ", " << count;
+
+  Chain file{{3, 1, 1024, 1, 700, 5, 1024, 1023, 1, 2}};
+  TextPeek text;
+  std::string content;
+  TString units;
+  std::vector<I32> borders{0, -1, INT32_MIN, MaxLen};
+};
+
+/// The part from a place up to another, if both are clamped.
+template <typename String>
+String Part(const String& all, I32 from, I32 to) {
+  const auto clamped = [&](I32 place) { return Size(std::clamp(place, 0, Count(all.size()))); };
+  return all.substr(clamped(from), clamped(std::max(from, to)) - clamped(from));
+}
+
+TEST(ReadAt, ReadsAnywhereAndMovesNothing) {
+  Sources s;
+  s.file.eof = true;
+  s.file.res = resNotFound;
+  const auto state = [&] { return std::tuple(s.file.pos, s.file.eof, s.file.res, s.file.cur.ptr, s.file.bufValid); };
+  const auto before = state();
+  for (const I32 at : s.borders) {
+    for (const I32 count : {-1, 0, 1, 2, 700, 1025, 2049, MaxLen}) {
+      const I32 to = count > MaxLen - std::max(at, 0) ? MaxLen : at + count;
+      std::string bytes(5000, '.');
+      const std::string part = at < 0 ? "" : Part(s.content, at, to);
+      EXPECT_EQ(s.file.ReadAt(at, bytes.data(), count), Count(part.size())) << at << ", " << count;
+      EXPECT_EQ(bytes, part + std::string(5000 - part.size(), '.')) << at << ", " << count;
+      TString units(5000, '.');
+      const TString unitPart = at < 0 ? TString() : Part(s.units, at, to);
+      EXPECT_EQ(s.text.ReadTCharsAt(at, units.data(), count), Count(unitPart.size())) << at << ", " << count;
+      EXPECT_EQ(units, unitPart + TString(5000 - unitPart.size(), '.')) << at << ", " << count;
+    }
   }
-  EXPECT_EQ(file.ReadAt(0, nullptr, 1) + text.ReadTCharsAt(0, nullptr, 1), 0);
-  EXPECT_EQ(std::pair(byte, unit), std::pair('.', TChar{'.'}));
-  EXPECT_EQ(file.State(), before);
+  EXPECT_EQ(s.file.ReadAt(0, nullptr, 1) + s.text.ReadTCharsAt(0, nullptr, 1), 0);
+  EXPECT_EQ(state(), before);
 }
 
 /// Reads all of itself in its hooks.
 struct Watched : support::Peek {
   std::string All() const {
     std::string bytes(Size(length), '?');
-    for (I32 at = 0; at < length; at += 3000) ReadAt(length - 1 - at, &bytes[Size(length - 1 - at)], 1);
     EXPECT_EQ(ReadAt(0, bytes.data(), MaxLen), length);
+    for (I32 at = length; at > 0; at = at * 2 / 3) ReadAt(at - 1, &bytes[Size(at - 1)], 1);
     return bytes;
   }
   I32 PreChange(I32, I32, I32) const override {
@@ -85,9 +80,9 @@ struct Watched : support::Peek {
     return resDone;
   }
   void PostChange(I32 at, I32 del, I32 ins) override {
-    std::string bytes = All();
-    EXPECT_EQ(bytes.substr(0, Size(at)) + bytes.substr(Size(at + ins)), std::string(model).erase(Size(at), Size(del)));
-    model = bytes;
+    const std::string now = All();
+    EXPECT_EQ(now.substr(0, Size(at)) + now.substr(Size(at + ins)), model.erase(Size(at), Size(del)));
+    model = now;
   }
   std::string model;
 };
@@ -96,7 +91,7 @@ TEST(ReadAt, ReadsInHooksWhatStandsAtThatMoment) {
   std::mt19937 random(support::Seed());
   const auto below = [&](I32 bound) { return static_cast<I32>(random() % static_cast<unsigned>(bound)); };
   Watched file;
-  for (int i = 0; i < 300; ++i) file.ReplaceFile(file.length, 0, Pipe(Pattern(520 + i, i)).Handle(), 520 + i);
+  for (int i = 0; i < 300; ++i) file.AppendFromFile(Pipe(Pattern(520 + i, i)).Handle(), 520 + i);
   for (int i = 0; i < 200 && !HasFailure(); ++i) {
     const I32 at = below(file.length + 1);
     const I32 del = below(i % 9 == 0 ? 5000 : 40);
@@ -107,34 +102,26 @@ TEST(ReadAt, ReadsInHooksWhatStandsAtThatMoment) {
   }
 }
 
+/// Whether the range has the elements, and so do the pieces one after another, of which none is empty.
+template <typename Range, typename Pieces, typename String>
+void ExpectElements(const Range& range, const Pieces& pieces, const String& elements) {
+  EXPECT_TRUE(std::ranges::equal(range, elements));
+  EXPECT_EQ(std::pair(range.size(), range.empty()), std::pair(elements.size(), elements.empty()));
+  String joined;
+  for (const auto piece : pieces) {
+    EXPECT_FALSE(piece.empty());
+    joined += piece;
+  }
+  EXPECT_EQ(joined, elements);
+}
+
 TEST(Ranges, AreThePartsOfTheFile) {
-  const Dirty file;
-  const std::string content = Bytes(file);
-  std::mt19937 random(support::Seed());
-  TextPeek text;
-  support::FillInSmallBlocks(text, content, random);
-  const TString units = text.Units();
-  std::vector<I32> borders = Borders(kOdd);
-  borders.insert(borders.end(), {-1, INT32_MIN, MaxLen});
-  const auto expectPart = [](const auto& all, const auto& range, auto pieces, I32 from, I32 to) {
-    const auto clamped = [&](I32 place) { return Size(std::clamp(place, 0, Count(all.size()))); };
-    const auto part = all.substr(clamped(from), clamped(std::max(from, to)) - clamped(from));
-    EXPECT_TRUE(std::ranges::equal(range, part)) << from << " to " << to;
-    EXPECT_EQ(std::pair(range.size(), range.empty()), std::pair(part.size(), part.empty()));
-    EXPECT_EQ(range.begin().Position(), Count(clamped(from)));
-    auto joined = part.substr(0, 0);
-    for (const auto piece : pieces()) {
-      EXPECT_FALSE(piece.empty());
-      joined += piece;
-    }
-    EXPECT_EQ(joined, part) << from << " to " << to;
-  };
-  for (const I32 from : borders) {
-    for (const I32 to : borders) {
-      const auto pieces = [&] { return vf::Pieces(file, from, to); };
-      expectPart(content, vf::Bytes(file, from, to), pieces, from, to);
-      const auto unitPieces = [&] { return vf::Pieces(text, from, to); };
-      if (from < 9 || to % 3 == 0) expectPart(units, vf::Units(text, from, to), unitPieces, from, to);
+  const Sources s;
+  for (const I32 from : s.borders) {
+    for (const I32 to : s.borders) {
+      SCOPED_TRACE(testing::Message() << from << " to " << to);
+      ExpectElements(vf::Bytes(s.file, from, to), vf::Pieces(s.file, from, to), Part(s.content, from, to));
+      ExpectElements(vf::Units(s.text, from, to), vf::Pieces(s.text, from, to), Part(s.units, from, to));
     }
   }
 }
@@ -149,52 +136,47 @@ TEST(Ranges, GoWithTheAlgorithms) {
   EXPECT_EQ(*first, content[0]) << "an iterator of a range that was moved";
   EXPECT_EQ(std::ranges::lower_bound(bytes, 'c') - first, std::ranges::lower_bound(content, 'c') - content.begin());
   EXPECT_TRUE(std::ranges::equal(bytes | std::views::reverse, content | std::views::reverse));
-  const auto last = std::find(std::reverse_iterator(bytes.end()), std::reverse_iterator(bytes.begin()), 'c');
-  EXPECT_EQ(last.base() - first, Count(content.rfind('c') + 1));
   for (I32 low = 0, high = 2999; low < high; ++low, --high) {
     EXPECT_EQ(std::pair(bytes[Size(low)], first[high]), std::pair(content[Size(low)], content[Size(high)]));
   }
   auto at = first + 5;
-  EXPECT_EQ((*at++ == content[5]) + (*at-- == content[6]) + (*--at == content[4]) + (*++at == content[5]), 4);
+  EXPECT_EQ((at++).Position() + (at--).Position() + (--at).Position() + (++at).Position(), 5 + 6 + 4 + 5);
   at -= 2;
-  EXPECT_TRUE(at == 3 + first && bytes.end() - at == 2997 && at < first + 4 && *(at - 3) == content[0]);
-  const Chain words({5, 1024, 3}, "ab=12" + std::string(1020, '-') + "key=" + "345");
+  EXPECT_TRUE(at == 3 + first && bytes.end() - at == 2997 && at < first + 4 && at - 3 == first);
+  const Chain words({5, 1024, 3}, "ab=12" + std::string(1020, '-') + "key=345");
   const vf::Bytes text(words);
   std::match_results<vf::Bytes::Iterator> match;
   EXPECT_TRUE(std::regex_search(text.begin(), text.end(), match, std::regex("(k[a-z]+)=(\\d+)")));
-  EXPECT_EQ(match[1].first.Position(), 1025);
-  EXPECT_EQ(match[2].str(), "345");
+  EXPECT_EQ(std::pair(match[1].first.Position(), match[2].str()), std::pair(1025, std::string("345")));
   const std::string_view wanted = "--key=3";
   EXPECT_EQ(std::search(text.begin(), text.end(), wanted.begin(), wanted.end()).Position(), 1023);
 }
 
 TEST(Ranges, EndWithAChangeOfTheFile) {
-  Dirty file;
-  const std::string content = Bytes(file);
-  const std::function<void(Dirty&)> changes[] = {
+  const std::function<void(Chain&)> changes[] = {
     DO(f.ReplaceBuf(9, 1, "x", 1)),
     DO(f.Delete(100, MaxLen)),
     DO(VFile other; f.Exchange(other)),
     DO(const VFile moved(std::move(f)))
   };
   for (const auto& change : changes) {
-    Dirty changed;
-    const vf::Bytes bytes(changed);
-    const auto pieces = vf::Pieces(changed);
-    EXPECT_EQ(bytes[3700] + bytes[4], content[3700] + content[4]);
+    Sources s;
+    const vf::Bytes bytes(s.file);
+    const auto pieces = vf::Pieces(s.file);
+    EXPECT_EQ(bytes[3700] + bytes[4], s.content[3700] + s.content[4]);
     for (const auto piece : pieces) EXPECT_FALSE(piece.empty());
     char byte = 0;
-    changed.SetPos(2);
-    changed.ReadChar(byte);
-    changed.SetFlags(vfInsert);
-    EXPECT_EQ(bytes[3700], content[3700]) << "nothing of this is a change";
-    change(changed);
+    s.file.SetPos(2);
+    s.file.ReadChar(byte);
+    s.file.SetFlags(vfInsert);
+    EXPECT_EQ(bytes[3700], s.content[3700]) << "nothing of this is a change";
+    change(s.file);
     if (hsys::kChecked) {
       const std::string halt = support::HaltOf([&] { (void)bytes[4]; });
       EXPECT_TRUE(halt.ends_with("the file has changed")) << halt;
       EXPECT_HALT(halt, (void)pieces.begin());
     } else {
-      EXPECT_TRUE(bytes[4] == 0 || bytes[4] == content[4]);
+      EXPECT_TRUE(bytes[4] == 0 || bytes[4] == s.content[4]);
       EXPECT_EQ(bytes[2000], 0);
       EXPECT_TRUE(pieces.begin() == pieces.end());
     }
@@ -203,8 +185,7 @@ TEST(Ranges, EndWithAChangeOfTheFile) {
 
 TEST(Ranges, ReadZeroesWhereAPageIsRefused) {
   VFile::SetMaxCacheSize(0);
-  Chain file({1024, 1024, 1024, 1024, 1024, 1024});
-  file.SetPos(5);
+  const Chain file({1024, 1024, 1024, 1024, 1024, 1024});
   const vf::Bytes bytes(file);
   const auto pieces = vf::Pieces(file);
   EXPECT_EQ(std::ranges::distance(pieces.begin(), pieces.end()), 6);
@@ -213,19 +194,17 @@ TEST(Ranges, ReadZeroesWhereAPageIsRefused) {
     const support::FailingDisk disk(1, support::FailingDisk::kReads);
     const support::NoteHalts noting;
     char byte = '.';
-    EXPECT_EQ(file.ReadAt(1500, &byte, 1), 0);
-    EXPECT_EQ(bytes[1500], 0);
+    EXPECT_EQ(file.ReadAt(1500, &byte, 1) + bytes[1500], 0);
     EXPECT_TRUE(pieces.begin() == pieces.end());
     EXPECT_EQ(support::NoteHalts::Noted().size(), 3u);
   }
   EXPECT_EQ(bytes[1500], Pattern(1, 1500)[0]);
   EXPECT_EQ(std::ranges::distance(pieces.begin(), pieces.end()), 6);
-  EXPECT_EQ(std::pair(file.res, file.pos), std::pair(I32{resDone}, 5));
+  EXPECT_EQ(std::pair(file.res, file.pos), std::pair(I32{resDone}, 6144));
   VFile::SetMaxCacheSize(70);
 }
 
-static_assert(std::random_access_iterator<vf::Bytes::Iterator> && std::random_access_iterator<vf::Units::Iterator>);
-static_assert(std::ranges::random_access_range<const vf::Bytes> && std::ranges::sized_range<const vf::Units>);
+static_assert(std::ranges::random_access_range<const vf::Bytes> && std::ranges::random_access_range<const vf::Units>);
 static_assert(std::ranges::common_range<vf::Bytes> && std::ranges::input_range<vf::PieceRange<char>>);
 static_assert(std::same_as<decltype(std::ranges::find(std::declval<vf::Bytes>(), 'x')), std::ranges::dangling>);
 
@@ -234,7 +213,7 @@ constexpr int kRanges = std::is_constructible_v<vf::Bytes, File> + std::is_const
                         requires(File&& file) {
   vf::Pieces(std::forward<File>(file));
 };
-static_assert(kRanges<VFile&> == 2 && kRanges<const TCharVFile&> == 2 && kRanges<Dirty&> == 2);
-static_assert(kRanges<VFile> + kRanges<const VFile> + kRanges<TCharVFile> + kRanges<Dirty> == 0);
+static_assert(kRanges<VFile&> == 2 && kRanges<const TCharVFile&> == 2 && kRanges<Chain&> == 2);
+static_assert(kRanges<VFile> + kRanges<const VFile> + kRanges<TCharVFile> + kRanges<Chain> == 0);
 
 }  // namespace
