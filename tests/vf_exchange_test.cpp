@@ -117,13 +117,17 @@ TEST(Exchange, IsRefusedByEither) {
 }
 
 TEST(Exchange, IsDoneByItsNamesAndByTheOwnThreadAlone) {
-  VFile left("left");
-  VFile right("right");
-  using std::swap;
+  Hooked left("left");
+  Hooked right("right");
   swap(left, right);
-  std::ranges::swap(left, right);
-  std::ranges::swap(left, right);
-  EXPECT_TRUE(left == "right" && right == "left");
+  VFile& file = left;
+  std::ranges::swap(file, static_cast<VFile&>(right));
+  left.Exchange(left);
+  left.res = resNotFound;
+  right.res = resTooLong;
+  left.Exchange(right);
+  EXPECT_EQ(Bytes(left) + Bytes(right), "leftright");
+  EXPECT_EQ(std::pair(left.res, right.res), std::pair(I32{resNotFound}, I32{resTooLong})) << "each keeps its own";
   TCharVFile text = vf::TextFrom(TSTR("a"));
   TCharVFile other;
   swap(text, other);
@@ -135,21 +139,13 @@ TEST(Exchange, IsDoneByItsNamesAndByTheOwnThreadAlone) {
     EXPECT_ASSERTION("VFile", foreign.Exchange(left));
     EXPECT_ASSERTION("VFile", left.Exchange(foreign));
   }).join();
-  left.res = resNotFound;
-  right.res = resTooLong;
-  left.Exchange(right);
-  EXPECT_EQ(std::pair(left.res, right.res), std::pair(I32{resNotFound}, I32{resTooLong})) << "each keeps its own";
-  left.Exchange(left);
-  EXPECT_TRUE(left == "right");
   std::string log;
-  Hooked self("self");
   Hooked empty;
   Hooked another;
-  self.SetPos(1);
-  self.log = empty.log = another.log = &log;
-  self.Exchange(self);
+  empty.log = another.log = &log;
   empty.Exchange(another);
-  EXPECT_EQ(std::pair(log, self.pos), std::pair(std::string(), 1)) << "a change of nothing by nothing";
+  empty.Exchange(empty);
+  EXPECT_EQ(log, "") << "a change of nothing by nothing";
 }
 
 // With a cache of no page, one that is read or written comes from the swap file or goes there, which takes four.
@@ -193,21 +189,18 @@ TEST(Moves, TakeAllAndLeaveAFileAsANewOne) {
 TEST(Moves, KeepFilesInContainers) {
   std::vector<vf::Movable<VFile>> files;
   std::vector<vf::Movable<TCharVFile>> texts;
-  std::list<VFile> list;
-  std::deque<TCharVFile> deque;
+  std::deque<VFile> deque;
   for (int i = 0; i < 20; ++i) {
     files.emplace_back(Pattern(1030, i).c_str());
     files.back().SetFlags(i);
     files.back().res = i;
     texts.emplace_back(vf::TextFrom(TString(2000, static_cast<TChar>(i))));
-    list.push_back(vf::FileFrom(Pattern(2000, i)));
-    deque.push_front(vf::TextFrom(TString(2000, static_cast<TChar>(i))));
+    deque.push_front(vf::FileFrom(Pattern(1030, i).c_str()));
   }
   for (int i = 0; i < 20; ++i) {
-    EXPECT_TRUE(files[Size(i)] == Pattern(1030, i).c_str() && list.front() == Pattern(2000, i));
+    EXPECT_TRUE(files[Size(i)] == deque[Size(19 - i)] && deque[Size(19 - i)] == Pattern(1030, i).c_str());
     EXPECT_EQ(std::pair(files[Size(i)].GetFlags(), files[Size(i)].res), std::pair(i, i));
-    EXPECT_EQ(texts[Size(i)].ToString(), deque[Size(19 - i)].ToString());
-    list.pop_front();
+    EXPECT_EQ(texts[Size(i)].ToString(), TString(2000, static_cast<TChar>(i)));
   }
   files[0] = "assigned";
   EXPECT_TRUE(files[0] == "assigned");

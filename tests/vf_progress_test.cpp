@@ -196,18 +196,13 @@ TEST_F(Progresses, AreOneAtATimeAndStayWithTheirFile) {
       const vf::Progress inner(file, note('i'));
       vf::Assign(file, content);
     }
-    vf::Assign(file, content);
     swap(file, same);
+    const Peek moved(std::move(file));
     vf::Assign(same, content);
-    log += '|';
-    vf::Assign(file, content);
-    Peek moved(std::move(file));
-    log += '|';
-    vf::Assign(moved, content);
     vf::Assign(file, content);
   }
   vf::Assign(file, content);
-  EXPECT_EQ(log, "oio|o|o");
+  EXPECT_EQ(log, "oio");
 }
 
 }  // namespace
