@@ -98,7 +98,7 @@ TEST(Exchange, IsRefusedByEither) {
   // clang-format off
   const std::tuple<std::function<void(Hooked&)>, I32, const char*> rows[] = {
       {DO(f.flags |= vfLocked), resContextError, ""}, {DO(f.SetFlags(vfReadOnly)), resReadOnly, ""},
-      {DO(f.res = resNotFound), resNotFound, ""}, {DO(f.answer = resNotSupported), resNotSupported, "?0 4 5 "}};
+      {DO(f.res = resNotFound; f.flags |= vfLocked), resNotFound, ""}, {DO(f.answer = resNotSupported), resNotSupported, "?0 4 5 "}};
   // clang-format on
   for (const auto& [refuse, res, asked] : rows) {
     for (const bool byLeft : {true, false}) {
@@ -163,27 +163,32 @@ TEST(Exchange, ReadsNoContent) {
   VFile::SetMaxCacheSize(70);
 }
 
+// Of which one holds a block in its scratch buffer, or held one before it moved on.
 TEST(Moves, TakeAllAndLeaveAFileAsANewOne) {
-  Hooked source;
-  source.Fill(300, 'a');
-  source.flags = vfInsert | vfLocked | vfHasEol;
-  source.type = 3;
-  source.radix = 16;
-  source.eof = true;
-  source.res = resNotFound;
-  const std::string content = Bytes(source);
-  const auto members = source.Members();
-  const std::uint32_t changes = source.changes;
-  Hooked target(std::move(source));
-  EXPECT_EQ(target.Members(), members);
-  EXPECT_NE(source.changes, changes);
-  EXPECT_EQ(std::tuple(source.pos, source.flags, source.type, source.res, source.eof, source.radix),
-            std::tuple(0, 0, 3, I32{resDone}, false, 10));
-  source = "again";
-  source.ExpectSound("again");
-  target.flags = 0;
-  target.SetPos(0);
-  target.ExpectSound(content);
+  for (const bool movedOn : {false, true}) {
+    Hooked source;
+    source.Fill(300, 'a');
+    if (movedOn) source.SetPos(1);
+    source.flags = vfInsert | vfLocked | vfHasEol;
+    source.type = 3;
+    source.radix = 16;
+    source.eof = true;
+    source.res = resNotFound;
+    const std::string content = Bytes(source);
+    const auto members = source.Members();
+    const std::uint32_t changes = source.changes;
+    Hooked target(std::move(source));
+    EXPECT_EQ(target.Members(), members);
+    EXPECT_EQ(target.held != nullptr, movedOn);
+    EXPECT_NE(source.changes, changes);
+    EXPECT_EQ(std::tuple(source.pos, source.flags, source.type, source.res, source.eof, source.radix, source.held),
+              std::tuple(0, 0, 3, I32{resDone}, false, 10, nullptr));
+    source = "again";
+    source.ExpectSound("again");
+    target.flags = 0;
+    target.SetPos(0);
+    target.ExpectSound(content);
+  }
 }
 
 TEST(Moves, KeepFilesInContainers) {

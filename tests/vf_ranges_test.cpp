@@ -52,7 +52,7 @@ TEST(ReadAt, ReadsAnywhereAndMovesNothing) {
   const auto before = state();
   for (const I32 at : s.borders) {
     for (const I32 count : {-1, 0, 1, 2, 700, 1025, 2049, MaxLen}) {
-      const I32 to = count > MaxLen - std::max(at, 0) ? MaxLen : at + count;
+      const I32 to = at < 0 || count > MaxLen - at ? MaxLen : at + count;
       std::string bytes(5000, '.');
       const std::string part = at < 0 ? "" : Part(s.content, at, to);
       EXPECT_EQ(s.file.ReadAt(at, bytes.data(), count), Count(part.size())) << at << ", " << count;
