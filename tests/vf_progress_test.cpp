@@ -148,7 +148,7 @@ TEST_F(Progresses, OfReplacingKeepWhatWasReplaced) {
   const std::string old(1000, 'x');
   const std::string longer(2000, 'z');
   const I32 replaced = file.ReplaceGlobal(old.c_str(), longer.c_str(), false, false);
-  EXPECT_GT(replaced, 2000);
+  EXPECT_GT(replaced, 0);
   length += 1000 * replaced;
   EXPECT_EQ(std::tuple(file.res, left, file.Length()), std::tuple(I32{resNotDone}, 0, I32(length)));
   left = 1000;

@@ -30,7 +30,7 @@ struct Sources {
     }
   }
 
-  Chain file{{3, 1, 1024, 1, 700, 5, 1024, 1023, 1, 2}};
+  Chain file{{3, 1, 1024, 1, 700, 5, 1024, 1023, 1, 3}};
   TextPeek text;
   std::string content;
   TString units;
