@@ -47,7 +47,7 @@ resolved() { # INCLUDE...
       sub(/^[^R]*R_[A-Z0-9_]*[ \t]*/, "")
       sub(/[-+]0x[0-9a-f]+$/, "")
       gsub(/std::__cxx11::basic_string<char16_t, std::char_traits<char16_t>, std::allocator<char16_t> >/, "TString")
-      if (/~|^std::/ || !/VFile|HFile|Derived|vf::/) next
+      if (/~|^std::/ || !/VFile|HFile|Derived|To[A-Z]|vf::/) next
       calls[name] = calls[name] (calls[name] == "" ? "" : "; ") $0
       next
     }
