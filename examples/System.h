@@ -3,33 +3,22 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <optional>
 #include <vector>
 
-#include "host/Unit.h"
+#include "vf/Names.h"
 
-/// The words of the command line behind the program's name, as names (`NameOf`): made of bytes, or the units that the system has.
-/// `NativeNameOf` gives the UTF-8 of one.
-using Arguments = std::vector<TString>;
+/// The words of the command line behind the program's name: made of bytes, or the units that the system has.
+using Arguments = std::vector<vf::Name>;
 
-/// The program, which gives its exit status. Standard output takes bytes as they are, a terminal takes UTF-8, and a limit on the
+/// The program, which gives its exit status. Standard input and output take bytes as they are, a terminal takes UTF-8, and a limit on the
 /// size of files is a failure of what meets it.
 int Run(const Arguments& arguments);
 
-/// Ends the program without a further step of it.
-[[noreturn]] void EndAtOnce(int status);
-
-/// A name as the standard library has it, and back.
-std::filesystem::path PathOf(const TString& name);
-TString NameOfPath(const std::filesystem::path& path);
-
 /// Whether the name is one that leads to another.
-bool IsLink(const TString& name);
+bool IsLink(const vf::Name& name);
 
 bool IsTerminal(std::FILE* stream);
-
-std::uint32_t ProcessId();
 
 /// The bytes of this process's swap file; nothing where there is none, or the system does not tell.
 std::optional<std::uintmax_t> SwapFileSize();

@@ -1,48 +1,40 @@
 // lines: prints lines FIRST to LAST of a file of up to 2^31-1 bytes, each with its number and its indent, and tells how many
 // lines there are if that is fewer. The file does not have to fit into memory, nor does a line.
 
-#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <string>
 
 #include "System.h"
-#include "Texts.h"
-#include "vfile/VFile.h"
+#include "Terminal.h"
+#include "vf/Ranges.h"
 
 namespace {
 
-/// Prints the bytes as they are.
-void Print(VFile& text, std::int32_t start, std::int32_t count) {
-  char piece[1024];
-  for (text.SetPos(start); count > 0;) {
-    const std::int32_t got = text.ReadBytes(piece, std::min(count, std::int32_t{sizeof piece}));
-    std::fwrite(piece, 1, static_cast<std::size_t>(got), stdout);
-    count -= got;
-  }
-}
-
 /// Gives the number of lines up to `last`, or of all. A line end at the end of the file begins no further line here.
-std::int32_t PrintLines(VFile& text, std::int32_t first, std::int32_t last) {
+std::int32_t PrintLines(VFile& text, std::int32_t first, std::int32_t last, Shown& shown) {
   std::int32_t number = 0;
   for (std::int32_t at = 0; at < text.Length() && number < last;) {
     std::int32_t start;
     std::int32_t size;
     std::int32_t eolSize;
     text.LineSize(at, start, size, eolSize);
-    if (++number >= first) {
-      std::printf("%9d %3d  ", number, text.LineIndent(start));
-      Print(text, start, size - eolSize);
-      std::putchar('\n');
-    }
     at = start + size;
+    if (++number == first) shown.Wipe();
+    if (number >= first) {
+      std::printf("%9d %3d  ", number, text.LineIndent(start));
+      for (const auto piece : vf::Pieces(text, start, at - eolSize)) std::fwrite(piece.data(), 1, piece.size(), stdout);
+      std::putchar('\n');
+    } else if (!shown.Show(at, text.Length())) {
+      throw vf::Error(resNotDone);
+    }
   }
   return number;
 }
 
 /// 0 if it is no number above 0.
-std::int32_t NumberOf(const TString& argument) {
-  const std::string text = NativeNameOf(argument);
+std::int32_t NumberOf(const vf::Name& argument) {
+  const std::string text = argument.Utf8();
   const char* const behind = text.data() + text.size();
   std::int32_t number = 0;
   const auto [end, error] = std::from_chars(text.data(), behind, number);
@@ -62,13 +54,16 @@ int Run(const Arguments& arguments) {
   try {
     VFile::SetMaxCacheSize(1024);
     VFile text;
-    const TString& name = arguments[0];
-    text.Load(name.c_str(), FILE_SHARE_READ);
-    Check(text.res, name);
-    const std::int32_t lines = PrintLines(text, first, last);
-    if (lines < last && count > 1) {
-      std::fprintf(stderr, "lines: %s has %d lines\n", NativeNameOf(name).c_str(), lines);
+    const vf::Name& name = arguments[0];
+    std::int32_t lines;
+    {
+      Shown shown(text, "loading");
+      text.Load(name, FILE_SHARE_READ);
+      vf::Check(text.res, name);
+      shown.Next("counting");
+      lines = PrintLines(text, first, last, shown);
     }
+    if (lines < last && count > 1) std::fprintf(stderr, "lines: %s has %d lines\n", name.Utf8().c_str(), lines);
     return lines < first && count > 1 ? 1 : 0;
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "lines: %s\n", failure.what());

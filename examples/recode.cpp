@@ -3,46 +3,37 @@
 
 #include <cstdio>
 #include <exception>
-#include <string>
 
-#include "Losses.h"
+#include "Forms.h"
 #include "System.h"
-#include "Texts.h"
-#include "tcharvfile/TCharVFile.h"
-
-namespace {
-
-constexpr const char* kForms[] = {"ansi", "utf16", "utf16be", "utf8"};  // by the value of Encoding
-
-TCharVFile::Encoding FormOf(const TString& argument) {
-  const std::string name = NativeNameOf(argument);
-  for (int form = TCharVFile::encAnsi; form <= TCharVFile::encUtf8; ++form) {
-    if (name == kForms[form]) return static_cast<TCharVFile::Encoding>(form);
-  }
-  throw std::runtime_error(name + ": no such form");
-}
-
-}  // namespace
+#include "Terminal.h"
+#include "vf/Saving.h"
 
 int Run(const Arguments& arguments) {
-  if (arguments.size() != 3) {
+  TCharVFile::Encoding form;
+  if (arguments.size() != 3 || !GetForm(arguments[0].Utf8(), form)) {
     std::fputs("usage: recode ansi|utf8|utf16|utf16be IN OUT\n", stderr);
     return 2;
   }
   try {
-    const TCharVFile::Encoding form = FormOf(arguments[0]);
-    const TString& in = arguments[1];
-    const TString& out = arguments[2];
+    const vf::Name& in = arguments[1];
+    const vf::Name& out = arguments[2];
     TCharVFile text;
     TCharVFile::Encoding found;
-    text.LoadText(in, found, FILE_SHARE_READ);
-    Check(text.res, in);
-    TellLossOfLoading(text, in, found);
-    text.SaveText(out, false, form, true);
-    Check(text.res, out);
-    TellLossOfSaving(text, out, form, out);
-    std::printf("%s: %s, %d units; %s: %s\n", NativeNameOf(in).c_str(), kForms[found], text.TCharLength(),
-                NativeNameOf(out).c_str(), kForms[form]);
+    vf::Losses lostIn;
+    vf::Losses lostOut;
+    {
+      Shown shown(text, "loading");
+      lostIn = vf::LoadText(text, in, found, FILE_SHARE_READ);
+      vf::Check(text.res, in);
+      shown.Next("saving");
+      lostOut = vf::SaveTextComplete(text, out, form, true);
+      vf::Check(text.res, out);
+    }
+    Tell(lostIn, in);
+    Tell(lostOut, out);
+    std::printf("%s: %s, %d units; %s: %s\n", in.Utf8().c_str(), kForms[found].data(), text.TCharLength(),
+                out.Utf8().c_str(), kForms[form].data());
     return 0;
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "recode: %s\n", failure.what());

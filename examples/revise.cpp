@@ -5,20 +5,20 @@
 //
 // Exit status: 0 done, 1 failed, 2 wrong call. Whatever fails, IN and an OUT that existed are as they were.
 
-#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <iterator>
 #include <optional>
+#include <stdexcept>
 #include <string>
-#include <string_view>
 
-#include "Losses.h"
+#include "Forms.h"
 #include "System.h"
-#include "Texts.h"
-#include "tcharvfile/TCharVFile.h"
+#include "Terminal.h"
+#include "hsys/Halt.h"
+#include "vf/Saving.h"
+#include "vf/Text.h"
 
 namespace fs = std::filesystem;
 
@@ -27,8 +27,6 @@ namespace {
 constexpr char kUsage[] =
     "usage: revise [--cache KB] [--ignore-case] [--whole-word] [--force]"
     " [--text [--encoding ansi|utf8|utf16|utf16be] [--bom|--no-bom]] OLD NEW IN OUT";
-
-constexpr std::string_view kForms[] = {"ansi", "utf16", "utf16be", "utf8"};  // by the value of Encoding
 
 struct Failure : std::runtime_error {
   using std::runtime_error::runtime_error;
@@ -48,8 +46,8 @@ struct Options {
   bool bom = true;
   std::string oldText;
   std::string newText;
-  TString in;
-  TString out;
+  vf::Name in;
+  vf::Name out;
 };
 
 std::int16_t CacheSizeOf(const std::string& value) {
@@ -61,9 +59,9 @@ std::int16_t CacheSizeOf(const std::string& value) {
 }
 
 TCharVFile::Encoding FormOf(const std::string& name) {
-  const auto* form = std::find(std::begin(kForms), std::end(kForms), name);
-  if (form == std::end(kForms)) throw WrongCall("--encoding takes ansi, utf8, utf16 or utf16be");
-  return static_cast<TCharVFile::Encoding>(form - kForms);
+  TCharVFile::Encoding form;
+  if (!GetForm(name, form)) throw WrongCall("--encoding takes ansi, utf8, utf16 or utf16be");
+  return form;
 }
 
 Options ParseArguments(const Arguments& arguments) {
@@ -71,8 +69,8 @@ Options ParseArguments(const Arguments& arguments) {
   std::size_t next = 0;
   bool forTextAlone = false;
   const auto hasNext = [&] { return next + 1 < arguments.size(); };
-  for (; next < arguments.size() && arguments[next].starts_with(TSTR("--")); ++next) {
-    const std::string option = NativeNameOf(arguments[next]);
+  for (; next < arguments.size() && arguments[next].Units().starts_with(TSTR("--")); ++next) {
+    const std::string option = arguments[next].Utf8();
     if (option == "--") {
       ++next;
       break;
@@ -88,120 +86,45 @@ Options ParseArguments(const Arguments& arguments) {
       options.bom = option == "--bom";
       forTextAlone = true;
     } else if (option == "--encoding" && hasNext()) {
-      options.encoding = FormOf(NativeNameOf(arguments[++next]));
+      options.encoding = FormOf(arguments[++next].Utf8());
       forTextAlone = true;
     } else if (option == "--cache" && hasNext()) {
-      options.cacheKilobytes = CacheSizeOf(NativeNameOf(arguments[++next]));
+      options.cacheKilobytes = CacheSizeOf(arguments[++next].Utf8());
     } else {
       throw WrongCall(kUsage);
     }
   }
   if (arguments.size() - next != 4 || (forTextAlone && !options.text)) throw WrongCall(kUsage);
-  options.oldText = NativeNameOf(arguments[next]);
-  options.newText = NativeNameOf(arguments[next + 1]);
+  options.oldText = arguments[next].Utf8();
+  options.newText = arguments[next + 1].Utf8();
   options.in = arguments[next + 2];
   options.out = arguments[next + 3];
   if (options.oldText.empty()) throw WrongCall("OLD is empty");
   return options;
 }
 
-std::int32_t CheckedSize(const TString& in) {
+std::uintmax_t CheckedSize(const vf::Name& in) {
   std::error_code error;
-  const fs::file_status status = fs::status(PathOf(in), error);
-  if (!fs::exists(status)) throw Failure(NativeNameOf(in) + ": not found");
-  if (!fs::is_regular_file(status)) throw Failure(NativeNameOf(in) + ": not a file");
-  const std::uintmax_t size = fs::file_size(PathOf(in));
-  if (size > MaxLen) throw Failure(NativeNameOf(in) + ": over the limit of 2147483647 bytes");
-  return static_cast<std::int32_t>(size);
+  const fs::file_status status = fs::status(in.Path(), error);
+  if (!fs::exists(status)) throw Failure(in.Utf8() + ": not found");
+  if (!fs::is_regular_file(status)) throw Failure(in.Utf8() + ": not a file");
+  const std::uintmax_t size = fs::file_size(in.Path());
+  if (size > MaxLen) throw Failure(in.Utf8() + ": over the limit of 2147483647 bytes");
+  return size;
 }
 
-/// Shows how far a transfer is, where standard error is a terminal.
-class Progress {
- public:
-  Progress(const char* what, std::int32_t total) : what_(what), total_(total), shown_(IsTerminal(stderr)) {}
-  ~Progress() {
-    if (shown_) std::fprintf(stderr, "\r%*s\r", 40, "");
-  }
-  void Show(std::int32_t done) const {
-    if (shown_) std::fprintf(stderr, "\r%s %3d %%", what_, static_cast<int>(100.0 * done / std::max(total_, 1)));
-  }
-
- private:
-  const char* what_;
-  std::int32_t total_;
-  bool shown_;
-};
-
-constexpr std::int32_t kStep = 4 << 20;
-
-void LoadFile(VFile& text, const TString& name, std::int32_t size) {
-  HFile file;
-  file.OpenSeqRead(name.c_str());
-  Check(file.res, name);
-  const Progress progress("loading", size);
-  for (std::int32_t left = size; left > 0; left -= kStep) {
-    progress.Show(size - left);
-    text.Append(file, std::min(left, kStep));
-    Check(text.res, name);
-    if (left <= kStep) break;
-  }
+void CheckOut(const Options& options) {
+  const fs::path out = options.out.Path();
+  if (!fs::exists(out)) return;
+  if (fs::equivalent(options.in.Path(), out)) throw Failure("IN and OUT are the same file");
+  if (fs::is_directory(out)) throw Failure(options.out.Utf8() + ": is a directory");
+  if (!options.force) throw Failure(options.out.Utf8() + ": already exists (--force replaces it)");
 }
 
-// The file that is being written: removed when the program fails. It may have become read-only like the one that it replaces.
-fs::path unfinished;
-
-void RemoveUnfinished() {
-  if (unfinished.empty()) return;
-  std::error_code error;
-  fs::permissions(unfinished, fs::perms::owner_write, fs::perm_options::add, error);
-  fs::remove(unfinished, error);
-  unfinished.clear();
-}
-
-/// The virtual memory ends the program where it cannot go on, such as on a full disk under the swap file.
-void OnHalt(const TChar* message) {
-  std::fputs("revise: ", stderr);
-  for (; *message != 0; ++message) std::fputc(*message == '\n' ? ' ' : static_cast<char>(*message), stderr);
-  std::fputc('\n', stderr);
-  RemoveUnfinished();
-  EndAtOnce(1);
-}
-
-void WriteFile(VFile& text, const TString& name, bool overwrite) {
-  HFile file;
-  const fs::path path = PathOf(name);
-  file.CreateSeqWrite(name.c_str(), overwrite);
-  Check(file.res, name);
-  const Progress progress("saving", text.Length());
-  if (!overwrite) unfinished = path;
-  for (text.Reset(); !text.Eof() && text.res == resDone;) {
-    progress.Show(text.GetPos());
-    text.WriteToFile(file, kStep);
-  }
-  Check(text.res, name);
-  file.Flush();
-  Check(file.res, name);
-  file.Close();
-}
-
-/// Has `write(name, overwrite)` write OUT. An existing file is replaced by a complete one in one step; a device is written as it
-/// is.
-template <typename Write>
-void SaveOut(const TString& out, bool force, Write write) {
-  const fs::path path = PathOf(out);
-  if (!force || !fs::exists(path)) {
-    write(out, false);
-  } else if (!fs::is_regular_file(path)) {
-    write(out, true);
-  } else {
-    const fs::path target = fs::canonical(path);
-    fs::path complete = target;
-    complete += ".revise-" + std::to_string(ProcessId()) + "~";
-    write(NameOfPath(complete), false);
-    fs::permissions(complete, fs::status(target).permissions());
-    fs::rename(complete, target);
-  }
-  unfinished.clear();
+TString UnitsOf(const std::string& argument) {
+  const TString units = vf::UnitsOf(argument);
+  if (vf::Utf8Of(units) != argument) throw Failure(argument + ": not UTF-8");
+  return units;
 }
 
 /// What the virtual memory takes, while there is a file.
@@ -212,39 +135,41 @@ void ReportSpace() {
   std::putchar('\n');
 }
 
-/// Gives the number of replacements, and the bytes that came out.
-std::int32_t ReviseBytes(const Options& options, std::int32_t size, std::uintmax_t& written) {
+/// Gives the number of replacements.
+std::int32_t ReviseBytes(const Options& options) {
   VFile text;
-  LoadFile(text, options.in, size);
+  Shown shown(text, "loading");
+  text.Load(options.in, FILE_SHARE_READ);
+  vf::Check(text.res, options.in);
+  shown.Next("replacing");
   const std::int32_t count =
       text.ReplaceGlobal(options.oldText.c_str(), options.newText.c_str(), options.ignoreCase, options.wholeWord);
-  Check(text.res, options.in);
-  written = static_cast<std::uintmax_t>(text.Length());
-  SaveOut(options.out, options.force, [&](const TString& name, bool overwrite) { WriteFile(text, name, overwrite); });
+  vf::Check(text.res, options.in);
+  shown.Next("saving");
+  vf::SaveComplete(text, options.out, {.overwrite = options.force});
+  vf::Check(text.res, options.out);
+  shown.Wipe();
   ReportSpace();
   return count;
 }
 
-std::int32_t ReviseText(const Options& options, std::uintmax_t& written) {
+std::int32_t ReviseText(const Options& options) {
   TCharVFile text;
   TCharVFile::Encoding form;
-  text.LoadText(options.in, form, FILE_SHARE_READ);
-  Check(text.res, options.in);
-  TellLossOfLoading(text, options.in, form);
+  Shown shown(text, "loading");
+  const vf::Losses lostIn = vf::LoadText(text, options.in, form, FILE_SHARE_READ);
+  vf::Check(text.res, options.in);
+  shown.Next("replacing");
   const std::int32_t count = text.ReplaceGlobalTChars(
       UnitsOf(options.oldText).c_str(), UnitsOf(options.newText).c_str(), options.ignoreCase, options.wholeWord);
-  Check(text.res, options.in);
+  vf::Check(text.res, options.in);
+  shown.Next("saving");
   const TCharVFile::Encoding target = options.encoding.value_or(form);
-  SaveOut(options.out, options.force, [&](const TString& name, bool overwrite) {
-    const fs::path path = PathOf(name);
-    // A name that exists is never taken, so what is there after a failure is this program's.
-    if (!overwrite && !fs::exists(path)) unfinished = path;
-    text.SaveText(name, overwrite, target, options.bom);
-    if (text.res == resAlreadyExists) unfinished.clear();
-    Check(text.res, name);
-    TellLossOfSaving(text, name, target, options.out);
-    written = fs::is_regular_file(path) ? fs::file_size(path) : 0;
-  });
+  const vf::Losses lostOut = vf::SaveTextComplete(text, options.out, target, options.bom, {.overwrite = options.force});
+  vf::Check(text.res, options.out);
+  shown.Wipe();
+  Tell(lostIn, options.in);
+  Tell(lostOut, options.out);
   std::printf("%s became %s\n", kForms[form].data(), kForms[target].data());
   ReportSpace();
   return count;
@@ -252,35 +177,33 @@ std::int32_t ReviseText(const Options& options, std::uintmax_t& written) {
 
 void Revise(const Options& options) {
   const auto start = std::chrono::steady_clock::now();
-  const std::int32_t size = CheckedSize(options.in);
-  const fs::path out = PathOf(options.out);
-  if (fs::exists(out)) {
-    const std::string shown = NativeNameOf(options.out);
-    if (fs::equivalent(PathOf(options.in), out)) throw Failure("IN and OUT are the same file");
-    if (fs::is_directory(out)) throw Failure(shown + ": is a directory");
-    if (!options.force) throw Failure(shown + ": already exists (--force replaces it)");
-  }
+  const std::uintmax_t size = CheckedSize(options.in);
+  CheckOut(options);
   VFile::SetMaxCacheSize(options.cacheKilobytes);
-  std::uintmax_t written = 0;
-  const std::int32_t count = options.text ? ReviseText(options, written) : ReviseBytes(options, size, written);
+  const std::int32_t count = options.text ? ReviseText(options) : ReviseBytes(options);
+  const fs::path out = options.out.Path();
+  const std::uintmax_t written = fs::is_regular_file(out) ? fs::file_size(out) : 0;
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-  std::printf("in %d bytes, out %ju bytes, %d replacements, %.2f s\n", size, written, count, seconds.count());
+  std::printf("in %ju bytes, out %ju bytes, %d replacements, %.2f s\n", size, written, count, seconds.count());
 }
 
 }  // namespace
 
 int Run(const Arguments& arguments) {
-  InstallHaltProc(OnHalt);
-  int status = 0;
+  // Where the virtual memory cannot go on, such as on a full disk under the swap file.
+  InstallHaltProc([](const TChar* message) {
+    std::string line = vf::Utf8Of(message);
+    std::replace(line.begin(), line.end(), '\n', ' ');
+    throw Failure(line);
+  });
   try {
     Revise(ParseArguments(arguments));
+    return 0;
   } catch (const WrongCall& wrong) {
     std::fprintf(stderr, "revise: %s\n", wrong.what());
-    status = 2;
+    return 2;
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "revise: %s\n", failure.what());
-    status = 1;
+    return 1;
   }
-  RemoveUnfinished();
-  return status;
 }

@@ -9,7 +9,6 @@
 #include <string>
 
 #include "System.h"
-#include "Texts.h"
 #include "hfile/HFile.h"
 #include "hfile/HFileDir.h"
 
@@ -20,32 +19,43 @@ namespace {
 constexpr std::uint32_t kNameSize = 261;
 
 int notCounted = 0;
+int seen = 0;
 
-std::int64_t PassOver(const TString& name, const char* reason) {
-  std::fprintf(stderr, "tree: %s: %s\n", NativeNameOf(name).c_str(), reason);
+/// Shows on a terminal how many entries there were; with `last` wipes it.
+void Show(bool last = false) {
+  static const bool onTerminal = IsTerminal(stderr);
+  if (onTerminal && last) std::fprintf(stderr, "\r%*s\r", 40, "");
+  if (onTerminal && !last && ++seen % 100 == 0) std::fprintf(stderr, "\r%d entries", seen);
+}
+
+std::int64_t PassOver(const vf::Name& name, const std::string& reason) {
+  Show(true);
+  std::fprintf(stderr, "tree: %s: %s\n", name.Utf8().c_str(), reason.c_str());
   ++notCounted;
   return 0;
 }
 
-std::int64_t SizeOf(const TString& name) {
+std::int64_t SizeOf(const vf::Name& name) {
   HFile file;
-  if (fs::file_size(PathOf(name)) > INT32_MAX) return PassOver(name, "over 2147483647 bytes");
-  return file.OpenSeqRead(name.c_str()) ? file.Length() : PassOver(name, TextOf(file.res).c_str());
+  if (fs::file_size(name.Path()) > INT32_MAX) return PassOver(name, "over 2147483647 bytes");
+  return file.OpenSeqRead(name) ? file.Length() : PassOver(name, vf::MessageOf(file.res));
 }
 
 /// `directory` is a full name.
-std::int64_t Walk(const TString& directory) {
+std::int64_t Walk(const vf::Name& directory) {
   std::int64_t bytes = 0;
   HFileDir entries;
   TChar name[kNameSize];
-  for (bool found = entries.FindFirst(name, kNameSize, (directory + TSTR("/*")).c_str()); found;
+  const TString pattern = directory.Units() + TSTR("/*");
+  for (bool found = entries.FindFirst(name, kNameSize, pattern.c_str()); found;
        found = entries.FindNext(name, kNameSize)) {
-    const TString entry = name;
+    const vf::Name entry = name;
     // "." and ".." come as the directory and its parent; a name that fills the buffer may have been cut.
-    if (entry.size() <= directory.size()) continue;
+    if (entry.Units().size() <= directory.Units().size()) continue;
+    Show();
     std::error_code error;
-    const fs::file_type type = IsLink(entry) ? fs::file_type::symlink : fs::status(PathOf(entry), error).type();
-    if (entry.size() + 1 >= kNameSize) {
+    const fs::file_type type = IsLink(entry) ? fs::file_type::symlink : fs::status(entry.Path(), error).type();
+    if (entry.Units().size() + 1 >= kNameSize) {
       bytes += PassOver(entry, "the name is too long");
     } else if (type == fs::file_type::directory) {
       bytes += Walk(entry);
@@ -55,7 +65,8 @@ std::int64_t Walk(const TString& directory) {
   }
   // Every directory that can be read has entries.
   if (entries.Count() == 0) PassOver(directory, "cannot be read");
-  std::printf("%12" PRId64 "  %s\n", bytes, NativeNameOf(directory).c_str());
+  Show(true);
+  std::printf("%12" PRId64 "  %s\n", bytes, directory.Utf8().c_str());
   return bytes;
 }
 
@@ -66,14 +77,14 @@ int Run(const Arguments& arguments) {
     std::fputs("usage: tree [DIRECTORY]\n", stderr);
     return 2;
   }
-  const TString given = arguments.empty() ? TSTR(".") : arguments[0];
+  const vf::Name given = arguments.empty() ? vf::Name(".") : arguments[0];
   try {
     TChar root[kNameSize];
-    if (!HFile::IsDirectory(given.c_str())) {
-      std::fprintf(stderr, "tree: %s: no such directory\n", NativeNameOf(given).c_str());
+    if (!HFile::IsDirectory(given)) {
+      std::fprintf(stderr, "tree: %s: no such directory\n", given.Utf8().c_str());
       return 1;
     }
-    HFile::GetFullName(root, kNameSize, given.c_str());
+    HFile::GetFullName(root, kNameSize, given);
     Walk(root);
   } catch (const std::exception& failure) {
     PassOver(given, failure.what());

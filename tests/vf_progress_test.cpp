@@ -60,6 +60,8 @@ struct Progresses : support::InDirectory {
         {RUN(at = 0; found = text.FindTChars(at, TSTR("yz"), false, false)), notFound, true},
         {RUN(at = MaxLen; found = text.FindBackTChars(at, TSTR("yz"), true, false)), notFound, true},
         {RUN(file.ReplaceGlobal("xy", "z", false, false)), underWay},
+        {RUN(text.SaveText(Name("out"), true, TCharVFile::encUtf8, true)), notFound, true},
+        {RUN(text.SaveText(Name("out"), true, TCharVFile::encUtf16BE, true)), notFound, true},
         {RUN(text.ReplaceGlobalTChars(TSTR("xy"), TSTR("z"), false, false)), notFound, true},
         {RUN(file = same), unchanged}, {RUN(file.SetPos(77); file.Insert(same, 0, MaxLen)), unchanged},
         {RUN(file.AppendBytes(content.data(), kLength)), unchanged}, {RUN(found = file == same), notFound},
@@ -134,6 +136,29 @@ TEST_F(Progresses, EndEachOperation) {
       EXPECT_TRUE(Unchanged() && left < 1000 && !progress.IsCancelled()) << "the next one is told again";
     }
   }
+}
+
+TEST_F(Progresses, OfLoadingATextGoTwiceThroughTheFile) {
+  Put("text", "\xEF\xBB\xBF" + content);
+  const std::int64_t total = 2 * (kLength + std::int64_t{3});
+  std::int64_t told = 0;
+  std::int64_t end = 0;
+  const vf::Progress progress(text, [&](std::int64_t done, std::int64_t of) {
+    EXPECT_EQ(of, total);
+    EXPECT_GT(done, told);
+    told = done;
+    return done < end;
+  });
+  // Where it ends, and the units of the text then: none, the raw bytes, the text.
+  for (const auto& [from, units] : {std::pair(kMiB, 0), {total / 2 + kMiB, kLength / 2 + 1}, {total + 1, kLength}}) {
+    text = TString(3000, 'x');
+    told = 0;
+    end = from;
+    text.LoadText(Name("text"), FILE_SHARE_READ);
+    EXPECT_EQ(std::pair(text.TCharLength(), text.res), std::pair(units, I32{from > total ? resDone : resNotDone}));
+    EXPECT_EQ(progress.IsCancelled(), from <= total);
+  }
+  EXPECT_GT(told, total - kMiB - 2 * BlkSize);
 }
 
 TEST_F(Progresses, OfReplacingKeepWhatWasReplaced) {

@@ -40,6 +40,7 @@ std::vector<ContestantEntry> TransferContestants();
 std::vector<ContestantEntry> LoopContestants();
 std::vector<ContestantEntry> ScanContestants();
 std::vector<ContestantEntry> PageContestants();
+std::vector<ContestantEntry> LayerContestants();
 std::vector<ContestantEntry> SqliteContestants();
 std::vector<ContestantEntry> LmdbContestants();
 

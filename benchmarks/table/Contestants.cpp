@@ -9,7 +9,7 @@ namespace {
 
 const std::vector<ContestantEntry>& OwnContestants() {
   static const std::vector<ContestantEntry> entries =
-      Joined({EditContestants(), TransferContestants(), ScanContestants(), PageContestants()});
+      Joined({EditContestants(), TransferContestants(), ScanContestants(), PageContestants(), LayerContestants()});
   return entries;
 }
 

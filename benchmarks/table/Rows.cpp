@@ -91,6 +91,14 @@ const std::vector<Row>& TableRows() {
       {"text save, UTF-16BE", kMedium, "save/utf16be",
        {1.1, "loop and converter", {"save/utf16be/icu", "save/utf16be/iconv"}}, {}, 1, kUtf16Be},
 
+      {"line ends by vf::Bytes", kMedium, "line ends/bytes", {1. / 4, "ReadByte", {"line ends/ReadByte"}},
+       {"line ends/string", "line ends/rope"}},
+      {"line ends by vf::Pieces", kMedium, "line ends/pieces", {2.0, "its pages", {"scan/pages"}},
+       {"line ends/string", "line ends/rope's pieces", "line ends/sqlite"}},
+      {"std::getline, all lines of 80 bytes", kMedium, "stream/vfile", {2.0, "a string stream", {"stream/string"}}},
+      {"numbers into a stream", 0, "numbers/vfile", {2.0, "a string stream", {"numbers/string"}}, {}, kMillion},
+      {"complete save", kMedium, "save/complete", {1.15, "save", {"save/bytes"}}},
+
       {"peak memory: load, then 1e5 edits", kLarge, "random/load", {44}, {}, kEdits},
       {"peak memory: UTF-8 in, every form out", 600000000, "load/all forms", {80}, {}, 1, kAsciiUtf8},
   };

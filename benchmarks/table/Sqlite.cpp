@@ -1,5 +1,6 @@
 // Pages in a data base of SQLite: rows of 1024 bytes by their number, through one handle of incremental transfer.
 
+#include <algorithm>
 #include <sqlite3.h>
 
 #include "Reads.h"
@@ -57,8 +58,27 @@ class Base {
   sqlite3_blob* blob_ = nullptr;
 };
 
+/// Line ends, page by page.
+Contestant LineEnds(const Setting& setting) {
+  const auto base = std::make_shared<Base>(setting);
+  const auto count = std::make_shared<std::ptrdiff_t>(0);
+  const auto run = [=] {
+    *count = 0;
+    base->Begin(false);
+    for (std::int64_t page = 0; page < PagesIn(setting.size); ++page) {
+      char bytes[kPage];
+      base->Read(page, bytes);
+      *count += std::count(bytes, bytes + kPage, '\n');
+    }
+    base->End();
+  };
+  return {run, [=] { return static_cast<std::uint64_t>(*count); }};
+}
+
 }  // namespace
 
 std::vector<ContestantEntry> SqliteContestants() {
-  return {{"page/sqlite", PagesOfStore<Base, false>}, {"random/page in sqlite", PagesOfStore<Base, true>}};
+  return {{"line ends/sqlite", LineEnds},
+          {"page/sqlite", PagesOfStore<Base, false>},
+          {"random/page in sqlite", PagesOfStore<Base, true>}};
 }

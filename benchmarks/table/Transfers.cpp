@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "Ours.h"
+#include "vf/Saving.h"
 
 namespace {
 
@@ -33,6 +34,8 @@ Contestant Save(const Setting& setting) {
 
 void SaveBytes(VFile& file, const TString& name) { file.Save(name.c_str(), true); }
 
+void SaveWhole(VFile& file, const TString& name) { vf::SaveComplete(file, name); }
+
 template <Form kForm>
 void SaveAs(TCharVFile& text, const TString& name) {
   text.SaveText(name, true, kForm, true);
@@ -62,6 +65,7 @@ std::vector<ContestantEntry> TransferContestants() {
       {"load/bytes", Load<VFile>},
       {"load/text", Load<TCharVFile>},
       {"save/bytes", Save<VFile, SaveBytes>},
+      {"save/complete", Save<VFile, SaveWhole>},
       {"save/utf8", Save<TCharVFile, SaveAs<Form::encUtf8>>},
       {"save/utf16", Save<TCharVFile, SaveAs<Form::encUtf16>>},
       {"save/utf16be", Save<TCharVFile, SaveAs<Form::encUtf16BE>>},

@@ -1,28 +1,18 @@
 #include "System.h"
 
 #include <csignal>
-#include <cstdlib>
+#include <filesystem>
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "Texts.h"
-
 namespace fs = std::filesystem;
 
-void EndAtOnce(int status) { std::_Exit(status); }
-
-fs::path PathOf(const TString& name) { return NativeNameOf(name); }
-
-TString NameOfPath(const fs::path& path) { return NameOf(path.native()); }
-
-bool IsLink(const TString& name) {
+bool IsLink(const vf::Name& name) {
   std::error_code error;
-  return fs::is_symlink(PathOf(name), error);
+  return fs::is_symlink(name.Path(), error);
 }
 
 bool IsTerminal(std::FILE* stream) { return isatty(fileno(stream)) != 0; }
-
-std::uint32_t ProcessId() { return static_cast<std::uint32_t>(getpid()); }
 
 // The swap file has no name any more, but some systems still list it among the open files.
 std::optional<std::uintmax_t> SwapFileSize() {
@@ -41,7 +31,5 @@ std::optional<std::uintmax_t> PeakMemory() {
 
 int main(int argc, char** argv) {
   std::signal(SIGXFSZ, SIG_IGN);
-  Arguments arguments;
-  for (int i = 1; i < argc; ++i) arguments.push_back(NameOf(argv[i]));
-  return Run(arguments);
+  return Run(Arguments(argv + 1, argv + argc));
 }

@@ -1,6 +1,5 @@
 #include "System.h"
 
-#include <cstdlib>
 #include <fcntl.h>
 #include <io.h>
 #include <memory>
@@ -13,11 +12,7 @@
 #include <shellapi.h>
 // clang-format on
 
-namespace fs = std::filesystem;
-
 namespace {
-
-UINT codePageOfConsole = 0;
 
 /// The size of the file if it is a swap file.
 std::optional<std::uintmax_t> SizeOfSwapFile(HANDLE file) {
@@ -34,23 +29,12 @@ std::optional<std::uintmax_t> SizeOfSwapFile(HANDLE file) {
 
 }  // namespace
 
-void EndAtOnce(int status) {
-  if (codePageOfConsole != 0) SetConsoleOutputCP(codePageOfConsole);
-  std::_Exit(status);
-}
-
-fs::path PathOf(const TString& name) { return name; }
-
-TString NameOfPath(const fs::path& path) { return path.native(); }
-
-bool IsLink(const TString& name) {
-  const DWORD attributes = GetFileAttributesW(name.c_str());
+bool IsLink(const vf::Name& name) {
+  const DWORD attributes = GetFileAttributesW(name);
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
 }
 
 bool IsTerminal(std::FILE* stream) { return _isatty(_fileno(stream)) != 0; }
-
-std::uint32_t ProcessId() { return GetCurrentProcessId(); }
 
 // Another process may have a file of such a name in the same directory, so it is looked for among the own handles, which are
 // multiples of 4.
@@ -71,7 +55,8 @@ std::optional<std::uintmax_t> PeakMemory() {
 int main() {
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
-  codePageOfConsole = GetConsoleOutputCP();
+  _setmode(_fileno(stdin), _O_BINARY);
+  const UINT codePageOfConsole = GetConsoleOutputCP();
   if (codePageOfConsole != 0) SetConsoleOutputCP(CP_UTF8);
   int count = 0;
   // Not the runtime's arguments, which are in the code page, and whose wildcards may be replaced by names.

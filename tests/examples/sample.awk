@@ -3,7 +3,7 @@
 
 BEGIN {
   header = ARGV[1] ~ /\.h$/
-  layer = "vf/Movable vf/Names vf/Progress vf/Ranges vf/Streams vf/Text"
+  layer = "vf/Characters vf/Losses vf/Movable vf/Names vf/Progress vf/Ranges vf/Saving vf/Streams vf/Text"
 }
 
 header && /^#pragma once/ { exit }

@@ -47,7 +47,7 @@ fail() {
 text='teh ERROR colour'
 long=$(yes "$text" | head -c 3000)
 for row in 'readme_1 big.log revised.log' 'vfile big.log revised.log' 'tcharvfile notes.txt revised.txt' \
-  'readme_2 notes.txt notes.new'; do
+  'vf_losses notes.txt notes.ansi'; do
   # shellcheck disable=SC2086
   set -- $row
   sample=$1 in=$2 out=$3
@@ -72,9 +72,23 @@ expect "good input" 0 vfile big.log "$text" revised.log "teh ERROR color"
 with notes.txt "$text"
 expect "good input" 0 tcharvfile notes.txt "$text" revised.txt "the ERROR colour"
 with notes.txt "$text"
-expect "good input" 0 readme_2 notes.txt "the ERROR colour"
-chmod 444 notes.txt
-expect "a read-only input" 1 readme_2 notes.txt "the ERROR colour" notes.new "the ERROR colour"
+expect "good input" 0 vf_losses notes.txt "$text" notes.ansi "$text"
+printf '\357\273\277caf\303' >notes.txt
+rm notes.ansi
+expect "ill-formed input" 1 vf_losses notes.txt "*"
+
+for sample in readme_2 vf_saving; do
+  with
+  expect "without its input" 1 $sample
+  with notes.txt "$text"
+  expect "good input" 0 $sample notes.txt "the ERROR colour"
+  with notes.txt "$text"
+  chmod 444 notes.txt
+  expect "a read-only input" 1 $sample notes.txt "$text"
+  only_posix "$sample, a full disk" || continue
+  with notes.txt "$long"
+  expect "a full disk" 1 $sample notes.txt "$long"
+done
 
 with
 expect "good" 0 hfile numbers "*"
@@ -89,7 +103,7 @@ expect "good" 0 hfiledir logs "*"
 w" ] || fail "wrong attributes"
 expect "good" 0 vmem logs "*"
 
-for sample in vf_movable vf_ranges vf_streams vf_text; do
+for sample in readme_3 vf_characters vf_movable vf_ranges vf_streams vf_text; do
   with
   expect "good" 0 $sample
 done

@@ -100,7 +100,7 @@ TEST_F(LinkedEntries, GetAlongWithoutWhatTheSystemLacks) {
   support::InChild([&] {
     fs::create_directories(Path("dir/one"));
     fs::create_directories(Path("dir/two"));
-    ASSERT_TRUE(support::AnswerCalls({{SYS_renameat2, EINVAL}, {support::kLink, EPERM}, {SYS_flock, ENOLCK}}));
+    ASSERT_TRUE(support::AnswerCalls({{SYS_renameat2, EINVAL}, {SYS_linkat, EPERM}, {SYS_flock, ENOLCK}}));
     EXPECT_EQ(Move("dir/one", "dir/two"), 183u);
     EXPECT_EQ(Move("dir/one", "dir/three/"), 0u);
     EXPECT_EQ(Copy("old", "file", true), 80u);

@@ -125,7 +125,7 @@ TEST_F(HostFiles, DeleteOnCloseLeavesNothingEvenWhenKilled) {
   EXPECT_TRUE(!std::filesystem::exists(Path("swap")) && Content("taken") == "abc");
   // Where names cannot be taken away again, another name is no way out.
   support::InChild([&] {
-    ASSERT_TRUE(support::AnswerCalls({{support::kUnlink, EPERM}}));
+    ASSERT_TRUE(support::AnswerCalls({{SYS_unlinkat, EPERM}}));
     EXPECT_EQ(ErrorOf(create("stays") != INVALID_HANDLE_VALUE), 5u);
   });
 }

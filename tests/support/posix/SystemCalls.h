@@ -12,14 +12,6 @@
 
 namespace support {
 
-#ifdef SYS_unlink
-constexpr long kUnlink = SYS_unlink;
-constexpr long kLink = SYS_link;
-#else
-constexpr long kUnlink = SYS_unlinkat;
-constexpr long kLink = SYS_linkat;
-#endif
-
 struct Answer {
   long call;
   /// What the call fails with; without an error it gives 0 and does nothing.

@@ -41,6 +41,8 @@ class HFile;
 namespace hfile {
 /// For the library alone: the bytes from the position of a regular file to its end, -1 where that cannot be told.
 std::int64_t BytesLeft(const HFile& file);
+/// For the library alone: takes the handle from the object, which then is closed.
+HANDLE Release(HFile& file);
 }  // namespace hfile
 
 class VFILE_API HFile {
@@ -305,6 +307,7 @@ class VFILE_API HFile {
 
  private:
   friend std::int64_t hfile::BytesLeft(const HFile& file);
+  friend HANDLE hfile::Release(HFile& file);
 
   void Init();
   bool OpenWith(const TChar* name, std::uint32_t access, std::uint32_t share, std::uint32_t disposition,

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "hfile/HFile.h"
 #include "host/Host.h"
 
@@ -71,3 +73,5 @@ void HFile::Close() {
 }
 
 bool HFile::IsOpen() const { return handle != INVALID_HANDLE_VALUE; }
+
+HANDLE hfile::Release(HFile& file) { return std::exchange(file.handle, INVALID_HANDLE_VALUE); }

@@ -7,7 +7,7 @@
 /// Win32.
 ///
 /// Rules of the seam:
-/// - Nothing here throws. Nothing but the conversions of code pages and the finds takes memory by `new`.
+/// - Nothing here throws. Nothing but the conversions of code pages, the drafts and the finds takes memory by `new`.
 /// - A call that fails leaves its reason in the calling thread's last error, but for those that give an error number instead, and
 ///   `_wfullpath`. A call that succeeds leaves the last error alone, but for `CreateFileW`, and for `CopyFileW` and
 ///   `TlsGetValue`, which may set it to 0.
@@ -19,6 +19,7 @@
 
 #include "host/FindData.h"
 #include "host/Handle.h"
+#include "host/LossRecord.h"
 #include "host/Unit.h"
 
 namespace host {
@@ -169,6 +170,34 @@ bool MoveFileW(const TChar* oldName, const TChar* newName);
 /// Removes a file. One that is open is ERROR_SHARING_VIOLATION, with FILE_SHARE_DELETE as for a rename.
 bool DeleteFileW(const TChar* name);
 
+/// A new content for a name, which gets it when the content is whole. Until then, and if the draft is given up, the name leads to what it
+/// led to before.
+///
+/// Links of the name are followed. What is no file on a disk is written as it is. A file there is held, so that others can open it no
+/// more than if it were open without sharing, and one that exists keeps its rights. Other names of it keep the old content.
+class Draft {
+ public:
+  /// Begins one. What exists is ERROR_FILE_EXISTS without `overwrite`; with it, what cannot be opened for writing, alone, is
+  /// refused, with the error of that.
+  Draft(const TChar* name, bool overwrite);
+  /// Gives it up, if it is not complete, and leaves nothing.
+  ~Draft();
+  Draft(const Draft&) = delete;
+  Draft& operator=(const Draft&) = delete;
+
+  /// What to write to; the draft's own. `INVALID_HANDLE_VALUE`, with the reason in the last error, if none was begun.
+  HANDLE File() const;
+
+  /// Gives the name to what was written, once, and closes the file. With `onDisk` both are on the disk then. ERROR_SHARING_VIOLATION
+  /// where another file has got the name meanwhile. After an error the old content stands, unless it was met in writing through
+  /// what the name leads to now.
+  bool Complete(bool onDisk);
+
+ private:
+  class State;
+  State* state_;
+};
+
 // ---- Names ----------------------------------------------------------------------------------------------------------
 
 /// The form of an existing name without abbreviations, into `buffer` of `size` units; gives its length, or if it does not fit the
@@ -292,7 +321,9 @@ class CodePageConversion {
   /// becomes "?".
   enum Direction { kToUnits, kToBytes };
 
-  explicit CodePageConversion(Direction direction);
+  /// `losses`, unless null, is told what of a piece is replaced, counted in units from the first one that the piece gives or takes. The
+  /// two halves of a pair are one character. Nothing else about the conversion depends on it.
+  explicit CodePageConversion(Direction direction, LossRecord* losses = nullptr);
   ~CodePageConversion();
   CodePageConversion(const CodePageConversion&) = delete;
   CodePageConversion& operator=(const CodePageConversion&) = delete;
@@ -307,6 +338,7 @@ class CodePageConversion {
 
  private:
   Direction direction_;
+  LossRecord* losses_;
   void* handle_;
 };
 

@@ -62,7 +62,7 @@ bool IsTrail(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 
 }  // namespace
 
-std::size_t Utf8ToUnits(const char* bytes, std::size_t length, TChar* units) {
+std::size_t Utf8ToUnits(const char* bytes, std::size_t length, TChar* units, host::LossRecord* losses) {
   const auto* in = reinterpret_cast<const unsigned char*>(bytes);
   const unsigned char* end = in + length;
   TChar* out = units;
@@ -87,6 +87,7 @@ std::size_t Utf8ToUnits(const char* bytes, std::size_t length, TChar* units) {
       std::uint32_t character = 0;
       bool wellFormed = false;
       in += host::DecodeUtf8(in, left, character, wellFormed);
+      if (!wellFormed && losses != nullptr) losses->Replace(out - units);
       out += host::EncodeUtf16(out, character);
     }
   }
@@ -111,7 +112,9 @@ std::size_t Utf8Rest(const char* bytes, std::size_t length) {
   return 0;
 }
 
-std::size_t UnitsToUtf8(const TChar* units, std::size_t length, char* bytes, std::uint32_t replacement) {
+std::size_t UnitsToUtf8(const TChar* units, std::size_t length, char* bytes, std::uint32_t replacement,
+                        host::LossRecord* losses) {
+  const TChar* begin = units;
   const TChar* end = units + length;
   char* out = bytes;
   while (units < end) {
@@ -129,8 +132,12 @@ std::size_t UnitsToUtf8(const TChar* units, std::size_t length, char* bytes, std
     }
     std::uint32_t character = unit;
     if (host::IsSurrogate(unit)) {
-      units += host::DecodeUtf16(units, left, character);
-      if (host::IsSurrogate(character)) character = replacement;
+      const std::size_t taken = host::DecodeUtf16(units, left, character);
+      if (host::IsSurrogate(character)) {
+        character = replacement;
+        if (losses != nullptr) losses->Replace(units - begin);
+      }
+      units += taken;
     } else {
       ++units;
     }

@@ -31,8 +31,17 @@ class Inside {
     return file.CopyC(cursor, bytes, count);
   }
 
-  static void WriteText(TCharVFile& text, HFile& file, TCharVFile::Encoding encoding, bool withBom) {
-    text.WriteText(file, encoding, withBom);
+  static void LoadText(TCharVFile& text, const TChar* fileName, TCharVFile::Encoding& encoding, std::uint32_t shareMode,
+                       host::LossRecord* losses) {
+    text.LoadText(fileName, encoding, shareMode, losses);
+  }
+  static void SaveText(TCharVFile& text, const TChar* fileName, bool overwrite, TCharVFile::Encoding encoding,
+                       bool withBom, host::LossRecord* losses) {
+    text.SaveText(fileName, overwrite, encoding, withBom, losses);
+  }
+  static void WriteText(TCharVFile& text, HFile& file, TCharVFile::Encoding encoding, bool withBom,
+                        host::LossRecord* losses = nullptr) {
+    text.WriteText(file, encoding, withBom, losses);
   }
 };
 

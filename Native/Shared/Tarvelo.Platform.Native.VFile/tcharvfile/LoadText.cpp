@@ -8,6 +8,7 @@
 #include "tcharvfile/Encodings.h"
 #include "tcharvfile/TCharVFile.h"
 #include "vfile/ContentSource.h"
+#include "vfile/Meter.h"
 
 const TCharVFile::Encoding TCharVFile::DefaultEncoding = encUtf16;
 
@@ -20,21 +21,28 @@ constexpr std::int32_t kUtf8Mark = 3;
 
 class FromUtf8 {
  public:
+  explicit FromUtf8(host::LossRecord* losses) : losses_(losses) {}
+
   bool IsOpen() const { return true; }
 
   /// Converts `left` bytes at `in` to `out`, which has room for more units than that, and moves all on. True if what is left waits
   /// for more bytes.
   bool Convert(const char*& in, std::size_t& left, TChar*& out, std::size_t& /*room*/, bool last) {
     const std::size_t whole = last ? left : left - tcharvfile::Utf8Rest(in, left);
-    out += tcharvfile::Utf8ToUnits(in, whole, out);
+    out += tcharvfile::Utf8ToUnits(in, whole, out, losses_);
     in += whole;
     left -= whole;
     return true;
   }
+
+ private:
+  host::LossRecord* losses_;
 };
 
 class FromCodePage {
  public:
+  explicit FromCodePage(host::LossRecord* losses) : conversion_(host::CodePageConversion::kToUnits, losses) {}
+
   bool IsOpen() const { return conversion_.IsOpen(); }
 
   /// The same, also false if there was no room for all.
@@ -48,7 +56,7 @@ class FromCodePage {
   }
 
  private:
-  host::CodePageConversion conversion_{host::CodePageConversion::kToUnits};
+  host::CodePageConversion conversion_;
 };
 
 // ---- Content that a text gets ----
@@ -73,7 +81,8 @@ class SwappedContent final : public vfile::ContentSource {
 template <typename Conversion>
 class ConvertedContent final : public vfile::ContentSource {
  public:
-  ConvertedContent(VFile& raw, Conversion& conversion) : raw_(raw), conversion_(conversion) {}
+  ConvertedContent(VFile& raw, Conversion& conversion, host::LossRecord* losses)
+      : raw_(raw), conversion_(conversion), losses_(losses) {}
 
   std::int32_t Next(unsigned char* bytes) override {
     constexpr std::ptrdiff_t kWanted = BlkSize / sizeof(TChar);
@@ -86,6 +95,9 @@ class ConvertedContent final : public vfile::ContentSource {
     return static_cast<std::int32_t>(count) * 2;
   }
 
+  /// The bytes up to where the text ends.
+  std::int32_t Used() const { return used_; }
+
  private:
   /// Reads on where all that was read has been converted, and converts.
   bool Refill() {
@@ -93,8 +105,10 @@ class ConvertedContent final : public vfile::ContentSource {
     begin_ = units_;
     if (needsMore_ && !ended_ && !ReadPiece()) return false;
     const char* in = bytes_;
+    const TChar* given = end_;
     std::size_t room = static_cast<std::size_t>(units_ + kRoom - end_);
     needsMore_ = conversion_.Convert(in, size_, end_, room, ended_);
+    if (losses_ != nullptr) losses_->units += end_ - given;
     std::memmove(bytes_, in, size_);
     done_ = ended_ && needsMore_;
     return true;
@@ -106,7 +120,9 @@ class ConvertedContent final : public vfile::ContentSource {
     if (raw_.res != resDone) return false;
     const void* zero = std::memchr(bytes, 0, static_cast<std::size_t>(got));
     ended_ = zero != nullptr || got < BlkSize;
-    size_ += static_cast<std::size_t>(zero != nullptr ? static_cast<const char*>(zero) - bytes : got);
+    const std::ptrdiff_t used = zero != nullptr ? static_cast<const char*>(zero) - bytes : got;
+    size_ += static_cast<std::size_t>(used);
+    used_ += static_cast<std::int32_t>(used);
     return true;
   }
 
@@ -117,6 +133,8 @@ class ConvertedContent final : public vfile::ContentSource {
 
   VFile& raw_;
   Conversion& conversion_;
+  host::LossRecord* losses_;
+  std::int32_t used_ = 0;
   char bytes_[kMostWaiting + BlkSize];  // `size_` of them are to be converted
   std::size_t size_ = 0;
   TChar units_[kRoom];  // those from `begin_` to `end_` are to be given out
@@ -130,7 +148,15 @@ class ConvertedContent final : public vfile::ContentSource {
 }  // namespace
 
 void TCharVFile::LoadText(const TChar* fileName, Encoding& encoding, std::uint32_t shareMode) {
+  LoadText(fileName, encoding, shareMode, nullptr);
+}
+
+/// Tells `losses`, unless null, what of the file does not come into the text.
+void TCharVFile::LoadText(const TChar* fileName, Encoding& encoding, std::uint32_t shareMode,
+                          host::LossRecord* losses) {
   encoding = DefaultEncoding;
+  // The raw bytes come in, and are gone through once more.
+  vfile::Pass pass(meter, -1, 2);
   Load(fileName, shareMode);
   if (res != resDone) return;
   const Encoding marked = ReadMark();
@@ -141,16 +167,16 @@ void TCharVFile::LoadText(const TChar* fileName, Encoding& encoding, std::uint32
       ReplaceBuf(0, kUtf16Mark, nullptr, 0);
       break;
     case encUtf16BE:
-      SwapContent();
+      SwapContent(losses);
       break;
     case encUtf8:
-      ConvertContent<FromUtf8>(kUtf8Mark);
+      ConvertContent<FromUtf8>(kUtf8Mark, losses);
       break;
     case encAnsi:
       if (host::GetACP() == host::CP_UTF8) {
-        ConvertContent<FromUtf8>(0);
+        ConvertContent<FromUtf8>(0, losses);
       } else {
-        ConvertContent<FromCodePage>(0);
+        ConvertContent<FromCodePage>(0, losses);
       }
       break;
   }
@@ -184,22 +210,26 @@ TCharVFile::Encoding TCharVFile::ReadMark() {
 }
 
 /// Replaces the raw content, UTF-16 with its high byte first, behind its mark.
-void TCharVFile::SwapContent() {
+void TCharVFile::SwapContent(host::LossRecord* losses) {
   if (!MoveOn(kUtf16Mark)) return;
+  const std::int32_t oddBytes = length % 2;
   SwappedContent swapped(*this);
   ReplaceContent(swapped);
+  if (res == resDone && losses != nullptr) losses->LeaveOut(oddBytes, TCharLength());
 }
 
 /// Replaces the raw content behind a mark of `mark` bytes by its conversion. Without memory for one the object is empty.
 template <typename Conversion>
-void TCharVFile::ConvertContent(std::int32_t mark) {
-  Conversion conversion;
+void TCharVFile::ConvertContent(std::int32_t mark, host::LossRecord* losses) {
+  Conversion conversion(losses);
   if (!conversion.IsOpen()) {
     ReplaceBuf(0, MaxLen, nullptr, 0);
     res = resHeapOverflow;
     return;
   }
   if (!MoveOn(mark)) return;
-  ConvertedContent converted(*this, conversion);
+  const std::int32_t rawBytes = length - mark;
+  ConvertedContent converted(*this, conversion, losses);
   ReplaceContent(converted);
+  if (res == resDone && losses != nullptr) losses->LeaveOut(rawBytes - converted.Used(), TCharLength());
 }

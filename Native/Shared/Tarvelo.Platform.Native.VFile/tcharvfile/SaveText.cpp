@@ -7,6 +7,7 @@
 #include "host/Utf8.h"
 #include "tcharvfile/Encodings.h"
 #include "tcharvfile/TCharVFile.h"
+#include "vfile/Meter.h"
 
 namespace {
 
@@ -46,22 +47,29 @@ class ToUtf8 {
  public:
   static constexpr std::int32_t kMostOfUnit = 3;
 
+  explicit ToUtf8(host::LossRecord* losses) : losses_(losses) {}
+
   bool IsOpen() const { return true; }
 
   std::size_t Convert(const TChar*& units, std::size_t& count, char* bytes, std::size_t /*room*/, bool last) {
     const bool isCut = !last && count > 0 && host::IsHighSurrogate(units[count - 1]);
     const std::size_t whole = count - (isCut ? 1 : 0);
-    const std::size_t written = tcharvfile::UnitsToUtf8(units, whole, bytes, kReplacement);
+    const std::size_t written = tcharvfile::UnitsToUtf8(units, whole, bytes, kReplacement, losses_);
     units += whole;
     count -= whole;
     return written;
   }
+
+ private:
+  host::LossRecord* losses_;
 };
 
 class ToCodePage {
  public:
   /// With what brings it about in a character set with shift states.
   static constexpr std::int32_t kMostOfUnit = 16;
+
+  explicit ToCodePage(host::LossRecord* losses) : conversion_(host::CodePageConversion::kToBytes, losses) {}
 
   bool IsOpen() const { return conversion_.IsOpen(); }
 
@@ -76,7 +84,7 @@ class ToCodePage {
   }
 
  private:
-  host::CodePageConversion conversion_{host::CodePageConversion::kToBytes};
+  host::CodePageConversion conversion_;
 };
 
 // ---- Where converted bytes go ----
@@ -121,9 +129,11 @@ class Writer {
   std::size_t size_ = 0;
 };
 
-/// Converts a whole text; false if its units could not be had.
+/// Converts a whole text; false if its units could not be had, or the user of the meter ended it. `losses`, unless null, goes with the
+/// pieces.
 template <typename Conversion, typename Sink>
-bool ConvertAll(TCharVFile& text, Conversion& conversion, Sink& sink) {
+bool ConvertAll(TCharVFile& text, vfile::Meter* meter, Conversion& conversion, Sink& sink, host::LossRecord* losses) {
+  vfile::Pass pass(meter, std::int64_t{2} * text.TCharLength());
   TChar units[1 + kPiece];
   std::size_t waiting = 0;
   UnitReader reader(text);
@@ -133,8 +143,10 @@ bool ConvertAll(TCharVFile& text, Conversion& conversion, Sink& sink) {
     const TChar* next = units;
     std::size_t count = waiting + static_cast<std::size_t>(got);
     sink.Add(conversion.Convert(next, count, sink.Room(), kRoom<Conversion>, reader.IsAtEnd()));
+    if (losses != nullptr) losses->units += next - units;
     std::copy(next, next + count, units);
     waiting = count;
+    if (!pass.Advance(2 * got)) return false;
   } while (!reader.IsAtEnd() && sink.GoesOn());
   reader.Finish();
   return true;
@@ -142,29 +154,31 @@ bool ConvertAll(TCharVFile& text, Conversion& conversion, Sink& sink) {
 
 /// Whether the converted text can be written as one, of up to 2^31-1 bytes.
 template <typename Conversion>
-bool Fits(TCharVFile& text) {
+bool Fits(TCharVFile& text, vfile::Meter* meter) {
   if (text.TCharLength() <= MaxLen / Conversion::kMostOfUnit) return true;
-  Conversion conversion;
+  Conversion conversion(nullptr);
   Counter<Conversion> counter;
-  return !conversion.IsOpen() || !ConvertAll(text, conversion, counter) || counter.Total() <= std::size_t{MaxLen};
+  return !conversion.IsOpen() || !ConvertAll(text, meter, conversion, counter, nullptr) ||
+         counter.Total() <= std::size_t{MaxLen};
 }
 
 template <typename Conversion>
-void WriteConverted(TCharVFile& text, HFile& file) {
-  Conversion conversion;
+void WriteConverted(TCharVFile& text, vfile::Meter* meter, HFile& file, host::LossRecord* losses) {
+  Conversion conversion(losses);
   if (!conversion.IsOpen()) {
     file.res = resHeapOverflow;
-  } else if (!Fits<Conversion>(text)) {
+  } else if (!Fits<Conversion>(text, meter)) {
     file.res = resTooLong;
   } else {
     Writer<Conversion> writer(file);
-    if (ConvertAll(text, conversion, writer)) writer.Finish();
+    if (ConvertAll(text, meter, conversion, writer, losses)) writer.Finish();
   }
 }
 
 /// Writes swapped units in pieces of up to 1024 bytes, with the outcome of one write for each unit: what is left of a piece that
 /// the host took in part goes out unit by unit, so that the next unit meets the reason.
-void WriteSwapped(TCharVFile& text, HFile& file) {
+void WriteSwapped(TCharVFile& text, vfile::Meter* meter, HFile& file) {
+  vfile::Pass pass(meter, std::int64_t{2} * text.TCharLength());
   TChar units[kPiece];
   UnitReader reader(text);
   for (std::int32_t before = file.GetPos(); !reader.IsAtEnd() && file.res == resDone;) {
@@ -180,6 +194,7 @@ void WriteSwapped(TCharVFile& text, HFile& file) {
         file.WriteBytes(units + i, sizeof *units);
     }
     before += count * 2;
+    if (!pass.Advance(2 * count)) return;
   }
   reader.Finish();
 }
@@ -187,6 +202,12 @@ void WriteSwapped(TCharVFile& text, HFile& file) {
 }  // namespace
 
 void TCharVFile::SaveText(const TChar* fileName, bool overwrite, Encoding encoding, bool withBom) {
+  SaveText(fileName, overwrite, encoding, withBom, nullptr);
+}
+
+/// Tells `losses`, unless null, what of the text does not come into the file.
+void TCharVFile::SaveText(const TChar* fileName, bool overwrite, Encoding encoding, bool withBom,
+                          host::LossRecord* losses) {
   SetPos(0);
   if (res != resDone) return;
   HFile file;
@@ -194,7 +215,7 @@ void TCharVFile::SaveText(const TChar* fileName, bool overwrite, Encoding encodi
     res = GetFileRes(file);
     return;
   }
-  WriteText(file, encoding, withBom);
+  WriteText(file, encoding, withBom, losses);
 }
 
 void TCharVFile::SaveText(const TString& fileName, bool overwrite, Encoding encoding, bool withBom) {
@@ -202,7 +223,7 @@ void TCharVFile::SaveText(const TString& fileName, bool overwrite, Encoding enco
 }
 
 /// Writes the text from its start, where it stands, to an open file.
-void TCharVFile::WriteText(HFile& file, Encoding encoding, bool withBom) {
+void TCharVFile::WriteText(HFile& file, Encoding encoding, bool withBom, host::LossRecord* losses) {
   switch (encoding) {
     case encUtf16:
       if (withBom) file.WriteBytes("\xFF\xFE", 2);
@@ -211,19 +232,20 @@ void TCharVFile::WriteText(HFile& file, Encoding encoding, bool withBom) {
       return;
     case encUtf16BE:
       if (withBom) file.WriteBytes("\xFE\xFF", 2);
-      WriteSwapped(*this, file);
+      WriteSwapped(*this, meter, file);
       break;
     case encUtf8:
       for (const char* byte = "\xEF\xBB\xBF"; withBom && *byte != '\0'; ++byte) file.WriteBytes(byte, 1);
-      WriteConverted<ToUtf8<host::kReplacementCharacter>>(*this, file);
+      WriteConverted<ToUtf8<host::kReplacementCharacter>>(*this, meter, file, losses);
       break;
     default:
       // Also where the ANSI code page is UTF-8, an unpaired surrogate is "?" in this form.
       if (host::GetACP() == host::CP_UTF8) {
-        WriteConverted<ToUtf8<'?'>>(*this, file);
+        WriteConverted<ToUtf8<'?'>>(*this, meter, file, losses);
       } else {
-        WriteConverted<ToCodePage>(*this, file);
+        WriteConverted<ToCodePage>(*this, meter, file, losses);
       }
   }
   if (file.res != resDone) res = GetFileRes(file);
+  if (res == resDone && losses != nullptr) losses->LeaveOut(length % 2, TCharLength());
 }

@@ -31,6 +31,10 @@
 
 #include "vfile/VFile.h"
 
+namespace host {
+struct LossRecord;
+}
+
 class VFILE_API TCharVFile : protected VFile {
  public:
   /// The forms of a text file.
@@ -235,13 +239,17 @@ class VFILE_API TCharVFile : protected VFile {
   VFILE_LOCAL void AssignTStr(const TChar* text, std::size_t count);
 
   // LoadText.cpp
+  VFILE_LOCAL void LoadText(const TChar* fileName, Encoding& encoding, std::uint32_t shareMode,
+                            host::LossRecord* losses);
   Encoding ReadMark();
-  void SwapContent();
+  VFILE_LOCAL void SwapContent(host::LossRecord* losses);
   template <typename Conversion>
-  VFILE_LOCAL void ConvertContent(std::int32_t mark);
+  VFILE_LOCAL void ConvertContent(std::int32_t mark, host::LossRecord* losses);
 
   // SaveText.cpp
-  VFILE_LOCAL void WriteText(HFile& file, Encoding encoding, bool withBom);
+  VFILE_LOCAL void SaveText(const TChar* fileName, bool overwrite, Encoding encoding, bool withBom,
+                            host::LossRecord* losses);
+  VFILE_LOCAL void WriteText(HFile& file, Encoding encoding, bool withBom, host::LossRecord* losses = nullptr);
 
   // TextSearch.cpp
   bool IsWordUnitBehind(std::int32_t position);

@@ -16,17 +16,23 @@
 ///     OPERATION                              BYTES                  ENDED
 ///     Load, ReadFile, ReplaceFile and all    of the host's file     the file is unchanged, after `Load` empty
 ///       that reads a file of the host
-///     LoadText                               the same, twice where  the text is empty, or holds the raw bytes, as after
-///                                            it is converted        any failure there
-///     Save, WriteFile, WriteToFile,          of the content         what was written stays; vf/Saving.h leaves nothing
-///       SaveText, vf/Saving.h
+///     LoadText                               of the file, twice:    the text is empty, or holds the raw bytes, as after
+///                                            UTF-16 with its low    any failure there
+///                                            byte first ends at
+///                                            the half
+///     Save, WriteFile, WriteToFile,          of the content; twice  what was written stays; vf/Saving.h leaves nothing
+///       SaveText, vf/Saving.h                from 0 on where more
+///                                            than 2^31-1 bytes may
+///                                            come out
 ///     Find, FindBack, and those of a text    from its place to      not found; `pos` is where the search stood
 ///                                            the end of the search
 ///     ReplaceGlobal, and that of a text      of the old content     what was replaced stays
 ///     copies: =, Insert of a file, and so on, of the source, or of   the target is unchanged
 ///       and of large buffers                 the buffer
-///     comparison of files or with a string   compared; of the side  not equal, nor less, nor greater but by chance
+///     comparison of files or with a string   compared; of the side  files are not equal, and their order is open
 ///                                            that has a `Progress`
+///
+/// `HFile::Copy` is one call of the host, which tells nothing.
 ///
 /// An ended operation leaves `resNotDone` in the file, a comparison too. The procedure must not use the file but to look: `Length` and
 /// `GetPos` tell where things stand. What it throws ends the operation likewise and comes out of it.

@@ -554,7 +554,7 @@ class VFILE_API VFile {
   /// Brings the page of the current block up to date and frees the scratch buffer. Leaves `res` and the position alone.
   void Flush();
   /// Writes the whole content to a file of that name, whatever stands in `res`. `overwrite` replaces an existing file; without
-  /// it that is `resAlreadyExists`. A failure half-way leaves what was written.
+  /// it that is `resAlreadyExists`. A failure half-way leaves what was written; that of a save of vf/Saving.h leaves the old file.
   void Save(const TChar* name, bool overwrite);
   /// The same, but nothing if a failure stands in `res`.
   void WriteFile(const TChar* name, bool overwrite);

@@ -18,12 +18,12 @@ constexpr int kFirstFree = STDERR_FILENO + 1;
 
 /// Gives the file a descriptor that is nobody's standard stream. -1 with the reason in `errno`, and without the file's name
 /// where this open has made it.
-int MoveUp(int low, const char* name, bool made) {
+int MoveUp(int low, int directory, const char* name, bool made) {
   const int moved = fcntl(low, F_DUPFD_CLOEXEC, kFirstFree);
   // EINVAL: the limit lies below.
   const int error = errno == EINVAL ? EMFILE : errno;
   struct stat status;
-  if (moved < 0 && made && fstat(low, &status) == 0) TakeAwayName(name, status);
+  if (moved < 0 && made && fstat(low, &status) == 0) TakeAwayName(directory, name, status);
   close(low);
   errno = error;
   return moved;
@@ -58,13 +58,13 @@ bool WasOpened(int descriptor) {
 
 }  // namespace
 
-int OpenOnce(const char* name, int flags, mode_t mode) {
+int OpenOnce(int directory, const char* name, int flags, mode_t mode) {
   int descriptor;
   do {
-    descriptor = open(name, flags | O_CLOEXEC | O_NOCTTY, mode);
+    descriptor = openat(directory, name, flags | O_CLOEXEC | O_NOCTTY, mode);
   } while (descriptor < 0 && errno == EINTR);
   const bool low = descriptor >= 0 && descriptor < kFirstFree;
-  if (low) descriptor = MoveUp(descriptor, name, (flags & O_EXCL) != 0);
+  if (low) descriptor = MoveUp(descriptor, directory, name, (flags & O_EXCL) != 0);
   if (descriptor >= 0) NoteOpened(descriptor);
   return descriptor;
 }
@@ -89,13 +89,22 @@ bool LeadsTo(const char* name, const struct stat& file) {
   return stat(name, &found) == 0 && IsSameFile(found, file);
 }
 
-bool IsNameOf(const char* name, const struct stat& file) {
+bool IsNameOf(int directory, const char* name, const struct stat& file) {
   struct stat found;
-  return lstat(name, &found) == 0 && IsSameFile(found, file);
+  return fstatat(directory, name, &found, AT_SYMLINK_NOFOLLOW) == 0 && IsSameFile(found, file);
 }
 
-bool TakeAwayName(const char* name, const struct stat& file) {
-  return !IsNameOf(name, file) || unlink(name) == 0 || errno == ENOENT;
+bool TakeAwayName(int directory, const char* name, const struct stat& file) {
+  return !IsNameOf(directory, name, file) || unlinkat(directory, name, 0) == 0 || errno == ENOENT;
+}
+
+bool WriteThrough(int descriptor) {
+  int result;
+  do {
+    result = fsync(descriptor);
+  } while (result != 0 && errno == EINTR);
+  // A pipe, a device or a directory that has nothing to write through answers EINVAL.
+  return result == 0 || errno == EINVAL;
 }
 
 const char* FollowLinks(const char* name, char (&end)[PATH_MAX]) {

@@ -1,8 +1,11 @@
 /// @file
-/// Descriptors, what an open file of the interface is made of (its lock, its read-only state), and whether a name leads to it.
+/// Descriptors, what an open file of the interface is made of (its lock, its read-only state), and whether a name leads to it. A name
+/// may come with the descriptor of the directory from which it starts.
 #pragma once
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <utility>
 
 #include "host/posix/PosixNames.h"
 
@@ -10,7 +13,8 @@ namespace host::posix {
 
 /// `open`, repeated where a signal interrupted it. Never gives one of the descriptors 0 to 2, to which others write unasked;
 /// descriptors do not survive into another program.
-int OpenOnce(const char* name, int flags, mode_t mode);
+int OpenOnce(int directory, const char* name, int flags, mode_t mode);
+inline int OpenOnce(const char* name, int flags, mode_t mode) { return OpenOnce(AT_FDCWD, name, flags, mode); }
 
 /// `close`, which first lifts the lock, since a forked child may hold a copy of the descriptor and keep it. The lock of a
 /// descriptor that this process has not opened, but was handed or shares with its parent, is another's.
@@ -23,8 +27,11 @@ class Descriptor {
   ~Descriptor() {
     if (value_ >= 0) CloseAndUnlock(value_);
   }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
+  Descriptor(Descriptor&& other) noexcept : value_(other.Release()) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(value_, other.value_);
+    return *this;
+  }
 
   bool IsOpen() const { return value_ >= 0; }
   int Get() const { return value_; }
@@ -59,11 +66,16 @@ constexpr int kRounds = 100;
 bool LeadsTo(const char* name, const struct stat& file);
 
 /// Whether the name itself is the file.
-bool IsNameOf(const char* name, const struct stat& file);
+bool IsNameOf(int directory, const char* name, const struct stat& file);
+inline bool IsNameOf(const char* name, const struct stat& file) { return IsNameOf(AT_FDCWD, name, file); }
 
 /// Takes away a name that this process has just made for the file, unless it is the name of another by now. Gives whether the
 /// file has it no longer; otherwise `errno` tells why.
-bool TakeAwayName(const char* name, const struct stat& file);
+bool TakeAwayName(int directory, const char* name, const struct stat& file);
+inline bool TakeAwayName(const char* name, const struct stat& file) { return TakeAwayName(AT_FDCWD, name, file); }
+
+/// `fsync`, repeated where a signal interrupted it; what has nothing to write through is a success. False with the reason in `errno`.
+bool WriteThrough(int descriptor);
 
 /// The name at the end of the links that begin at `name`, whether or not it exists, into `end`. Null, with the reason in
 /// `errno`, where they have no end or it does not fit.

@@ -14,6 +14,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "host/posix/Beside.h"
 #include "host/posix/Content.h"
 #include "host/posix/Descriptor.h"
 
@@ -27,44 +28,6 @@ using posix::IsSameFile;
 using posix::LockForSharing;
 using posix::NativeName;
 using posix::OpenOnce;
-
-/// Renames onto a name that is made for that first, which no other name can have got meanwhile.
-bool RenameToPlaceholder(const char* from, const char* to) {
-  const Descriptor placeholder(OpenOnce(to, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600));
-  if (!placeholder.IsOpen()) return false;
-  struct stat status;
-  if (fstat(placeholder.Get(), &status) != 0) return false;
-  const bool held = LockForSharing(placeholder.Get(), status, 0);
-  errno = EWOULDBLOCK;
-  if (held && rename(from, to) == 0) return true;
-  const int error = errno;
-  posix::TakeAwayName(to, status);
-  errno = error;
-  return false;
-}
-
-/// `rename`, but EEXIST for a name that exists. For file systems that cannot do it in one step: a file gets its second name
-/// first, or replaces one of its own making; a directory could replace no more than an empty one.
-bool RenameToFree(const char* from, const char* to) {
-  if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return true;
-  if (errno != EINVAL && errno != ENOSYS) return false;
-  struct stat status;
-  if (lstat(from, &status) != 0) return false;
-  if (S_ISDIR(status.st_mode)) {
-    if (lstat(to, &status) != 0) return rename(from, to) == 0;
-    errno = EEXIST;
-    return false;
-  }
-  if (link(from, to) != 0) {
-    const bool noLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS || errno == EMLINK;
-    return noLinks && RenameToPlaceholder(from, to);
-  }
-  if (unlink(from) == 0) return true;
-  const int error = errno;
-  posix::TakeAwayName(to, status);
-  errno = error;
-  return false;
-}
 
 /// Whether two names are one entry of one directory.
 bool IsSameEntry(const NativeName& a, const NativeName& b) {
@@ -80,15 +43,10 @@ bool IsSameEntry(const NativeName& a, const NativeName& b) {
 int CreateBeside(const char* target, char (&name)[PATH_MAX]) {
   char directory[PATH_MAX];
   posix::DirectoryOf(target, directory);
-  for (unsigned i = 0; i < 1000; ++i) {
-    const int length =
-        std::snprintf(name, sizeof name, "%s/~copy%u-%u.tmp", directory, unsigned{GetCurrentThreadId()}, i);
-    errno = ENAMETOOLONG;
-    if (length >= PATH_MAX) return -1;
-    const int file = OpenOnce(name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
-    if (file >= 0 || errno != EEXIST) return file;
-  }
-  return -1;
+  char start[PATH_MAX];
+  errno = ENAMETOOLONG;
+  if (std::snprintf(start, sizeof start, "%s/~copy", directory) >= PATH_MAX) return -1;
+  return posix::CreateUnderFreeName(AT_FDCWD, start, 0600, name);
 }
 
 /// What a copy is made of and becomes.
@@ -116,14 +74,6 @@ void GiveAttributes(int copy, const Copying& copying) {
   static_cast<void>(futimens(copy, times));
 }
 
-/// Gives the complete copy its name. A name that is to be replaced has to be still that of the file that was looked at.
-bool GiveName(const char* name, const char* target, const struct stat* replaced) {
-  if (replaced == nullptr) return RenameToFree(name, target);
-  if (posix::IsNameOf(target, *replaced)) return rename(name, target) == 0;
-  errno = EWOULDBLOCK;
-  return false;
-}
-
 /// Makes a complete copy and then gives it its name. `made` becomes the status of the copy.
 bool CopyToName(const Copying& copying, const char* target, struct stat& made) {
   char name[PATH_MAX];
@@ -134,7 +84,7 @@ bool CopyToName(const Copying& copying, const char* target, struct stat& made) {
   if (done) {
     GiveAttributes(copy.Get(), copying);
     // A file system behind a network may tell of a full disk only now.
-    done = (posix::CloseAndUnlock(copy.Release()) == 0 && GiveName(name, target, copying.replaced)) ||
+    done = (posix::CloseAndUnlock(copy.Release()) == 0 && posix::GiveName(AT_FDCWD, name, target, copying.replaced)) ||
            Fail(ErrorFromErrno(errno));
   }
   if (!done) posix::TakeAwayName(name, made);
@@ -261,7 +211,7 @@ bool MoveFileW(const TChar* oldName, const TChar* newName) {
   return ChangeEntry(from, [&](const struct stat& status, int file) {
     const std::uint32_t targetEnding = posix::ErrorOfEndingSeparator(to, ERROR_ALREADY_EXISTS);
     if (targetEnding != ERROR_SUCCESS && !S_ISDIR(status.st_mode)) return Fail(targetEnding);
-    if (RenameToFree(from.Text(), to.Text())) return true;
+    if (posix::RenameToFree(AT_FDCWD, from.Text(), to.Text())) return true;
     if (errno == EEXIST) return IsSameEntry(from, to) || Fail(ERROR_ALREADY_EXISTS);
     if (errno == EXDEV && S_ISREG(status.st_mode)) return MoveByCopy(from, status, file, to);
     return Fail(ErrorFromErrno(errno, to));

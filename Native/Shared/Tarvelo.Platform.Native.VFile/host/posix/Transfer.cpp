@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "host/posix/PosixNames.h"
+#include "host/posix/Descriptor.h"
 
 namespace host {
 namespace {
@@ -164,13 +164,7 @@ bool SetEndOfFile(HANDLE file) {
 
 bool FlushFileBuffers(HANDLE file) {
   const int descriptor = DescriptorFromHandle(file);
-  if (!IsWritable(descriptor)) return false;
-  int result;
-  do {
-    result = fsync(descriptor);
-  } while (result != 0 && errno == EINTR);
-  // A pipe or device that has nothing to write through answers EINVAL.
-  return result == 0 || errno == EINVAL || Fail(ErrorFromErrno(errno));
+  return IsWritable(descriptor) && (posix::WriteThrough(descriptor) || Fail(ErrorFromErrno(errno)));
 }
 
 }  // namespace host

@@ -1,0 +1,406 @@
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/sysmacros.h>
+#include <sys/xattr.h>
+#include <vector>
+
+#include "host/Host.h"
+#include "support/Saves.h"
+#include "support/posix/Process.h"
+#include "support/posix/Tracing.h"
+#include "vf/Saving.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using support::kKillIt;
+using support::kMakeIt;
+using support::Saves;
+using support::SystemCall;
+
+constexpr uid_t kNobody = 65534;
+constexpr vf::Saving kOver = {.overwrite = true, .onDisk = false};
+constexpr vf::Saving kOverOnDisk = {.overwrite = true, .onDisk = true};
+
+struct HostSaves : Saves {
+  struct stat StatusOf(const std::string& name) const {
+    struct stat status = {};
+    EXPECT_EQ(stat(Path(name).c_str(), &status), 0) << name;
+    return status;
+  }
+  /// Owner, group and mode.
+  std::string RightsOf(const std::string& name) const {
+    const struct stat status = StatusOf(name);
+    return std::to_string(status.st_uid) + " " + std::to_string(status.st_gid) + " " +
+           std::to_string(status.st_mode & 07777);
+  }
+  std::int32_t Save(const std::string& name, vf::Saving how = kOver) const {
+    VFile file;
+    file = kNew.c_str();
+    vf::SaveComplete(file, vf::Name(Path(name)), how);
+    return file.res;
+  }
+  /// The same from where a process is asked about.
+  std::int32_t SaveTraced(const std::string& name, vf::Saving how) const {
+    VFile file;
+    file = kNew.c_str();
+    const vf::Name target(Path(name));
+    support::BeginTracing();
+    vf::SaveComplete(file, target, how);
+    return file.res;
+  }
+
+  const std::string kNew = std::string(1500, 'n') + std::string(1500, 'N');
+  const bool isRoot = geteuid() == 0;
+};
+
+// ---- What the new file is ----
+
+TEST_F(HostSaves, KeepOwnerModeAndAccessList) {
+  const auto rows = isRoot ? std::vector<uid_t>{0, kNobody} : std::vector<uid_t>{geteuid()};
+  for (const uid_t owner : rows) {
+    for (const mode_t mode : {0640u, 0666u, 0200u, 04755u, 06711u}) {
+      Put("file", "old");
+      ASSERT_EQ(chown(Path("file").c_str(), owner, isRoot ? owner : getegid()), 0);
+      ASSERT_EQ(chmod(Path("file").c_str(), mode), 0);
+      const std::string rights = RightsOf("file");
+      EXPECT_EQ(Save("file"), resDone);
+      EXPECT_EQ(RightsOf("file"), rights);
+      EXPECT_EQ(fs::file_size(Path("file")), kNew.size());
+      fs::remove(Path("file"));
+    }
+  }
+}
+
+/// An access list in the system's form: the owner may all, one other user and the group may read.
+const std::string kList(
+    "\2\0\0\0\1\0\6\0\xFF\xFF\xFF\xFF\2\0\4\0\x64\0\0\0\4\0\4\0\xFF\xFF\xFF\xFF"
+    "\x10\0\4\0\xFF\xFF\xFF\xFF\x20\0\0\0\xFF\xFF\xFF\xFF",
+    44);
+
+TEST_F(HostSaves, KeepTheAccessListAndTakeNoneFromTheDirectory) {
+  constexpr char kOfFile[] = "system.posix_acl_access";
+  const auto listOf = [&](const std::string& name) {
+    char list[256];
+    const ssize_t size = getxattr(Path(name).c_str(), kOfFile, list, sizeof list);
+    return std::string(list, size < 0 ? 0 : static_cast<std::size_t>(size));
+  };
+  Put("without", "old");
+  Put("with", "old");
+  ASSERT_EQ(chmod(Path("without").c_str(), 0664), 0);
+  if (setxattr(Path("with").c_str(), kOfFile, kList.data(), kList.size(), 0) != 0)
+    GTEST_SKIP() << "no access lists here";
+  ASSERT_EQ(setxattr(Directory().c_str(), "system.posix_acl_default", kList.data(), kList.size(), 0), 0);
+  for (const char* name : {"with", "without"}) {
+    const std::string rights = RightsOf(name);
+    EXPECT_EQ(Save(name), resDone);
+    EXPECT_EQ(Content(name), kNew);
+    EXPECT_EQ(RightsOf(name), rights);
+  }
+  EXPECT_EQ(listOf("with"), kList);
+  EXPECT_EQ(listOf("without"), "");
+}
+
+TEST_F(HostSaves, NewFilesHaveTheModeThatTheUmaskLeaves) {
+  const mode_t old = umask(027);
+  EXPECT_EQ(Save("new", {}), resDone);
+  umask(old);
+  EXPECT_EQ(StatusOf("new").st_mode & 07777, 0640u);
+}
+
+TEST_F(HostSaves, AreRefusedToWhoMayNotKeepTheOwner) {
+  if (!isRoot) GTEST_SKIP() << "only root can take another's place";
+  for (const char* name : {"mine", "others", "group"}) {
+    Put(name, name);
+    ASSERT_EQ(chmod(Path(name).c_str(), 0666), 0);
+  }
+  ASSERT_EQ(chown(Path("mine").c_str(), kNobody, kNobody), 0);
+  ASSERT_EQ(chown(Path("group").c_str(), kNobody, 0), 0);
+  const std::string all = Names();
+  // In a directory that the process may not write to, and in one that it may.
+  for (const bool mayWrite : {false, true}) {
+    ASSERT_EQ(chmod(Directory().c_str(), mayWrite ? 0777 : 0755), 0);
+    support::InChild([&] {
+      ASSERT_TRUE(setresgid(kNobody, kNobody, kNobody) == 0 && setresuid(kNobody, kNobody, kNobody) == 0);
+      EXPECT_EQ(Save("mine"), mayWrite ? resDone : resNoPermission);
+      EXPECT_EQ(Save("others"), resNoPermission);
+      EXPECT_EQ(Save("group"), resNoPermission);
+      EXPECT_TRUE(mayWrite || Save("new") == resNoPermission);
+    });
+    EXPECT_EQ(Content("mine"), mayWrite ? kNew : "mine");
+    EXPECT_EQ(Content("others") + Content("group"), "othersgroup");
+    EXPECT_EQ(Names(), all);
+  }
+}
+
+// ---- What the name leads to ----
+
+TEST_F(HostSaves, FollowLinks) {
+  fs::create_symlink("old", Path("link"));
+  fs::create_symlink(Path("link"), Path("dir/to link"));
+  fs::create_symlink("dir/far", Path("dangling"));
+  fs::create_symlink("circle", Path("circle"));
+  fs::create_symlink("none/far", Path("lost"));
+  const std::string all = Names();
+  EXPECT_EQ(Save("dir/to link"), resDone);
+  EXPECT_EQ(Content("old"), kNew);
+  EXPECT_EQ(Save("dangling", {}), resAlreadyExists);
+  for (const char* name : {"circle", "lost"}) {
+    VFile file;
+    file.WriteFile(Name(name).c_str(), true);
+    EXPECT_NE(file.res, resDone);
+    EXPECT_EQ(Save(name), file.res) << name;
+  }
+  EXPECT_EQ(Names(), all);
+  EXPECT_EQ(Save("dangling"), resDone);
+  EXPECT_EQ(Content("dir/far"), kNew);
+  for (const char* name : {"link", "dir/to link", "dangling"}) EXPECT_TRUE(fs::is_symlink(Path(name))) << name;
+}
+
+TEST_F(HostSaves, WriteWhatIsNoRegularFileAsItIs) {
+  // Root could replace the system's own device, so it gets another, where it may make one.
+  const bool hasDevice = !isRoot || mknod(Path("full").c_str(), S_IFCHR | 0666, makedev(1, 7)) == 0;
+  VFile file;
+  file = "text";
+  if (hasDevice) vf::SaveComplete(file, isRoot ? vf::Name(Path("full")) : vf::Name("/dev/full"), kOverOnDisk);
+  EXPECT_EQ(file.res, hasDevice ? resDiskFull : resDone);
+  ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+  const int reader = open(Path("pipe").c_str(), O_RDWR | O_NONBLOCK);
+  EXPECT_EQ(Save("pipe", kOverOnDisk), resDone);
+  std::string piped(kNew.size(), '?');
+  EXPECT_EQ(read(reader, piped.data(), piped.size()), static_cast<ssize_t>(piped.size()));
+  close(reader);
+  EXPECT_EQ(piped, kNew);
+  EXPECT_TRUE(fs::is_fifo(Path("pipe")));
+}
+
+TEST_F(HostSaves, OtherNamesAndNamesThatAreTakenStay) {
+  const std::string taken = "~save" + std::to_string(host::GetCurrentThreadId()) + "-0.tmp";
+  Put(taken, "taken");
+  fs::create_hard_link(Path("old"), Path("other"));
+  const std::string all = Names();
+  EXPECT_EQ(Save("old"), resDone);
+  EXPECT_EQ(Content("old"), kNew);
+  EXPECT_EQ(Content("other"), "old");
+  EXPECT_EQ(Content(taken), "taken");
+  EXPECT_EQ(Names(), all);
+}
+
+TEST_F(HostSaves, WithoutDescriptorsAreRefused) {
+  for (const char* name : {"old", "new"}) {
+    support::InChild([&] {
+      VFile file;
+      file = kNew.c_str();
+      const vf::Name target(Path(name));
+      std::int32_t res = resTooManyFiles;
+      for (rlim_t descriptors = 0; res == resTooManyFiles; ++descriptors) {
+        const rlimit limit = {descriptors, 100};
+        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+        vf::SaveComplete(file, target, kOverOnDisk);
+        res = file.res;
+        file.Reset();
+      }
+      EXPECT_EQ(res, resDone);
+    });
+    EXPECT_EQ(Content(name), kNew);
+  }
+  EXPECT_EQ(Names(), "dir locked new old ");
+}
+
+// ---- What others do meanwhile ----
+
+struct TracedSaves : HostSaves {
+  void SetUp() override {
+    if (!support::kAnswersCalls) GTEST_SKIP() << "calls cannot be answered here";
+    Mark();
+    rights = RightsOf("old");
+  }
+  /// Gives "old" rights that a new file would not have.
+  void Mark() const {
+    const std::string path = Path("old").string();
+    ASSERT_EQ(chown(path.c_str(), isRoot ? kNobody : geteuid(), getegid()), 0);
+    ASSERT_EQ(chmod(path.c_str(), 04640), 0);
+  }
+
+  std::string rights;
+};
+
+TEST_F(TracedSaves, WhatGotTheNameMeanwhileStays) {
+  struct Row {
+    const char* name;
+    bool overwrite;
+    std::int32_t res;
+  };
+  for (const auto& [name, overwrite, res] :
+       {Row{"old", true, resNoPermission}, Row{"new", true, resNoPermission}, Row{"new", false, resAlreadyExists}}) {
+    SCOPED_TRACE(testing::Message() << name << overwrite);
+    bool done = false;
+    const auto replace = [&](const SystemCall& call) {
+      if (done || call.call != SYS_write) return kMakeIt;
+      done = true;
+      Put("other", "other");
+      fs::rename(Path("other"), Path(name));
+      return kMakeIt;
+    };
+    const auto end = support::Trace([&] { return SaveTraced(name, {overwrite, true}); }, replace);
+    EXPECT_EQ(end.status, res);
+    EXPECT_EQ(Content(name), "other");
+    fs::remove(Path("new"));
+    EXPECT_EQ(Names(), before);
+  }
+}
+
+// The rights are those that the old file has when it is replaced.
+TEST_F(TracedSaves, KeepOthersFromTheOldFileAndTheRightsThatItWasGiven) {
+  int tries = 0;
+  const auto look = [&](const SystemCall& call) {
+    if (call.call != SYS_write) return kMakeIt;
+    HFile other;
+    EXPECT_FALSE(other.OpenSeqRead(Name("old").c_str()));
+    EXPECT_EQ(other.res, resNoPermission);
+    EXPECT_EQ(chmod(Path("old").c_str(), 0604), 0);
+    ++tries;
+    return kMakeIt;
+  };
+  EXPECT_EQ(support::Trace([&] { return SaveTraced("old", kOver); }, look).status, resDone);
+  EXPECT_GT(tries, 0);
+  EXPECT_EQ(StatusOf("old").st_mode & 07777, 0604u);
+}
+
+// The content is on the disk before it gets the name, and the name when the save returns.
+TEST_F(TracedSaves, AreOnTheDiskIfAsked) {
+  for (const bool onDisk : {false, true}) {
+    for (const char* name : {"old", "new"}) {
+      std::string calls;
+      const auto note = [&](const SystemCall& call) {
+        if (call.call == SYS_write && !calls.ends_with("write ")) calls += "write ";
+        if (call.call == SYS_fsync) calls += "flush ";
+        if (call.call == SYS_linkat) calls += "link ";
+        return kMakeIt;
+      };
+      const auto end = support::Trace([&] { return SaveTraced(name, {true, onDisk}); }, note);
+      EXPECT_EQ(end.status, resDone);
+      EXPECT_EQ(calls, onDisk ? "write flush link flush " : "write link ") << name;
+    }
+    fs::remove(Path("new"));
+  }
+}
+
+// ---- An end or an error at every call ----
+
+struct Way {
+  const char* name;
+  const char* target;
+  /// What the system does not have.
+  bool hasNamelessFiles, renamesToFree;
+};
+constexpr Way kWays[] = {{"replaces", "old", true, true},
+                         {"new", "new", true, true},
+                         {"replaces, by a named file", "old", false, true},
+                         {"new, by a named file", "new", false, true},
+                         {"new, by a named file that gets a second name", "new", false, false}};
+
+/// What the system answers.
+int AnswerOf(const Way& way, const SystemCall& call) {
+  if (!way.hasNamelessFiles && call.call == SYS_openat && (call.arguments[2] & O_TMPFILE) == O_TMPFILE)
+    return EOPNOTSUPP;
+  return !way.renamesToFree && call.call == SYS_renameat2 ? EINVAL : kMakeIt;
+}
+
+/// Whether the call is one of files, rather than of memory and the process.
+bool IsOfFiles(const SystemCall& call) {
+  constexpr long kOthers[] = {SYS_brk,       SYS_mmap,           SYS_munmap,       SYS_mremap,      SYS_madvise,
+                              SYS_mprotect,  SYS_futex,          SYS_getpid,       SYS_gettid,      SYS_tgkill,
+                              SYS_getrandom, SYS_rt_sigprocmask, SYS_rt_sigaction, SYS_sigaltstack, SYS_exit_group};
+  return std::ranges::find(kOthers, call.call) == std::end(kOthers);
+}
+
+/// Whether a signal may interrupt the call, which is then made again.
+bool WaitsForOthers(const SystemCall& call) {
+  return call.call == SYS_openat || call.call == SYS_flock || call.call == SYS_write || call.call == SYS_fsync;
+}
+
+struct BrokenSaves : TracedSaves {
+  /// Looks at what is there after a save, puts it back as it was, and gives the other names that it found.
+  std::vector<std::string> CheckAndRepair(const Way& way, bool mayBeOld, bool mayBeNew) {
+    const std::string target = way.target;
+    const bool replaces = target == "old";
+    const bool isOld = replaces ? Content("old") == "old" : !fs::exists(Path("new"));
+    const bool isNew = Content(target) == kNew;
+    EXPECT_TRUE((isOld && mayBeOld) || (isNew && mayBeNew)) << Content(target).size() << " bytes";
+    EXPECT_EQ(RightsOf("old"), rights);
+    std::vector<std::string> others;
+    for (const fs::path& entry : fs::directory_iterator(Directory())) {
+      const std::string name = entry.filename().string();
+      if (name.starts_with("~save")) others.push_back(Content(name));
+      if (name.starts_with("~save") || name == "new") fs::remove(entry);
+    }
+    EXPECT_EQ(Names(), before);
+    if (!replaces || !isNew) return others;
+    fs::remove(Path("old"));
+    Put("old", "old");
+    Mark();
+    return others;
+  }
+};
+
+TEST_F(BrokenSaves, AKilledOneLeavesTheOldOrTheNewFile) {
+  for (const Way& way : kWays) {
+    std::size_t left = 0;
+    bool killed = true;
+    for (int k = 1; killed; ++k) {
+      SCOPED_TRACE(testing::Message() << way.name << ", call " << k);
+      const auto answer = [&](const SystemCall& call) { return call.number == k ? kKillIt : AnswerOf(way, call); };
+      const support::End end = support::Trace([&] { return SaveTraced(way.target, kOverOnDisk); }, answer);
+      killed = end.killed;
+      EXPECT_EQ(end.status, resDone);
+      const auto others = CheckAndRepair(way, killed, true);
+      EXPECT_LE(others.size(), 1u);
+      left += others.size();
+      EXPECT_TRUE(!way.hasNamelessFiles || others.empty() || others[0] == kNew);
+      if (HasFailure()) return;
+    }
+    RecordProperty("left" + std::to_string(&way - kWays), static_cast<int>(left));
+    // Before the look at the old name, and before the rename.
+    const std::size_t window = way.target == std::string("old") ? 2 : 0;
+    EXPECT_TRUE(left == window || !way.hasNamelessFiles) << left;
+  }
+}
+
+TEST_F(BrokenSaves, AFailedCallLeavesTheOldOrTheNewFile) {
+  for (const Way& way : kWays) {
+    for (const int error : {EIO, EINTR}) {
+      bool reached = true;
+      int refused = 0;
+      for (int k = 1; reached; ++k) {
+        SystemCall failed = {};
+        const auto answer = [&](const SystemCall& call) {
+          if (call.number != k) return AnswerOf(way, call);
+          failed = call;
+          return IsOfFiles(call) ? error : kMakeIt;
+        };
+        const support::End end = support::Trace([&] { return SaveTraced(way.target, kOverOnDisk); }, answer);
+        SCOPED_TRACE(testing::Message() << way.name << ", call " << k << ", number " << failed.call << ", result "
+                                        << end.status);
+        reached = failed.call != SYS_exit_group;
+        EXPECT_NE(end.status, -1);
+        const bool isDone = end.status == resDone;
+        const bool goesOn = error == EINTR && WaitsForOthers(failed);
+        EXPECT_TRUE(isDone || !goesOn);
+        EXPECT_FALSE(isDone && failed.call == SYS_fsync && error == EIO);
+        const bool mayBeNew = isDone || failed.call == SYS_fsync;
+        EXPECT_EQ(CheckAndRepair(way, !isDone, mayBeNew).size(), 0u);
+        refused += isDone ? 0 : 1;
+        if (HasFailure()) return;
+      }
+      EXPECT_GT(refused, 1) << way.name;
+    }
+  }
+}
+
+}  // namespace
