@@ -1,7 +1,7 @@
 #!/bin/sh
-# Tries lines and tree on good and on bad input. Arguments: the programs.
+# Tries lines, tree, filter and words on good and on bad input. Arguments: the programs.
 set -u
-lines=$1 tree=$2
+lines=$1 tree=$2 filter=$3 words=$4
 # shellcheck source=tests/examples/common.sh
 . "$(dirname "$0")/common.sh"
 
@@ -70,4 +70,21 @@ if only_posix "an output that takes nothing"; then
   ! run "$lines" in 2>/dev/null >/dev/full || { echo "FAILED: lines into a full device"; failures=$((failures + 1)); }
   ! run "$tree" top/sub 2>/dev/null >/dev/full || { echo "FAILED: tree into a full device"; failures=$((failures + 1)); }
 fi
+
+printf 'one two\n\n2two' >source
+expect "replaces in each line" 0 "one <two>
+
+2<two>" "$filter" '(two)' '<$1>' <source
+expect "nothing to filter" 0 "" "$filter" a b </dev/null
+expect "no expression" 1 "" "$filter" '(' b <source
+expect "half a call" 2 "" "$filter" a <source
+run "$filter" "some length" "a length" <many >filtered
+sed 's/some length/a length/' many | cmp -s - filtered || { echo "FAILED: a filter of much"; failures=$((failures + 1)); }
+expect "the most frequent words" 0 "300000 a
+300000 length
+300000 line
+300000 of
+300000 some
+1 last" "$words" many
+expect "no such file for words" 1 "" "$words" missing
 exit $failures

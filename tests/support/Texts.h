@@ -15,7 +15,7 @@ namespace support {
 /// A text that notes what goes through its slots and hooks, and can refuse changes.
 struct TextPeek : TCharVFile {
   using TCharVFile::operator=;
-  using VFile::flags, VFile::length, VFile::pos, VFile::ReplaceFile, VFile::SetPos;
+  using VFile::flags, VFile::length, VFile::pos, VFile::ReadAt, VFile::ReplaceFile, VFile::SetPos;
 
   void ReplaceBuf(std::int32_t at, std::int32_t del, const void* bytes, std::int32_t count) override {
     Note("b", at, del, count);

@@ -50,7 +50,8 @@ class VFILE_API TCharVFile : protected VFile {
   TCharVFile();  ///< An empty text.
   /// A copy of `len` units of `source` from `first` on.
   TCharVFile(const TCharVFile& source, std::int32_t first = 0, std::int32_t len = MaxLen);
-  TCharVFile(TCharVFile&& source);  ///< As that of `VFile`.
+  /// As that of `VFile`.
+  TCharVFile(TCharVFile&& source);  // NOLINT(performance-noexcept-move-constructor): it may halt
   ~TCharVFile() noexcept(false) override;
 
   using VFile::Bof;

@@ -65,7 +65,7 @@ class VFILE_API Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  /// Whether the procedure ended the last operation that called it.
+  /// Whether the procedure ended the last of those operations, be it too short to call it.
   bool IsCancelled() const;
 
  private:

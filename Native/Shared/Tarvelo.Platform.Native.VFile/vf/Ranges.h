@@ -200,7 +200,6 @@ class PieceRange {
       return {elements + skipped, static_cast<std::size_t>(count_)};
     }
     Iterator& operator++() {
-      range_->window_.CheckUnchanged();
       at_ += count_;
       Find();
       return *this;
@@ -213,11 +212,13 @@ class PieceRange {
     Iterator(const PieceRange* range, std::int32_t at) : range_(range), at_(at) { Find(); }
 
     void Find() {
+      range_->window_.CheckUnchanged();
       count_ = 0;
       if (at_ >= range_->to_) return;
       range_->window_.Fetch(at_);
+      if (range_->window_.Count() == 0) return;
       const std::int32_t behind = range_->window_.First() + range_->window_.Count();
-      count_ = std::max(std::min(behind, range_->to_) - at_, 0);
+      count_ = std::min(behind, range_->to_) - at_;
     }
 
     const PieceRange* range_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tcharvfile/Inside.h"
 #include "vf/Streams.h"
 
 namespace vf {
@@ -25,7 +26,6 @@ std::int32_t StreamBuffer::Place() const {
 }
 
 bool StreamBuffer::Write(const char* bytes, std::int32_t count) {
-  if (target_ == nullptr) return false;
   target_->ReplaceBuf(base_, target_->FlagOn(vfInsert) ? 0 : SameLen, bytes, count);
   if (target_->res != resDone) return false;
   base_ += count;
@@ -68,7 +68,13 @@ StreamBuffer::int_type StreamBuffer::pbackfail(int_type ch) {
   if (!any && !traits_type::eq(before, traits_type::to_char_type(ch))) return traits_type::eof();
   base_ = std::max(place - kSize / 2, 0);
   const std::int32_t got = file_.ReadAt(base_, buffer_, kSize);
-  const std::int32_t back = std::min(place - 1 - base_, got);
+  const std::int32_t back = place - 1 - base_;
+  if (got <= back) {
+    // Behind a halt that returned.
+    base_ = place;
+    setg(nullptr, nullptr, nullptr);
+    return traits_type::eof();
+  }
   setg(buffer_, buffer_ + back, buffer_ + got);
   return traits_type::not_eof(ch);
 }
@@ -95,7 +101,7 @@ std::streamsize StreamBuffer::showmanyc() {
 // ---- Out ----
 
 StreamBuffer::int_type StreamBuffer::overflow(int_type ch) {
-  if (!WriteOut()) return traits_type::eof();
+  if (target_ == nullptr || !WriteOut()) return traits_type::eof();
   DropRead();
   setp(buffer_, buffer_ + kSize);
   if (!traits_type::eq_int_type(ch, traits_type::eof())) {
@@ -107,7 +113,8 @@ StreamBuffer::int_type StreamBuffer::overflow(int_type ch) {
 
 std::streamsize StreamBuffer::xsputn(const char* bytes, std::streamsize count) {
   if (count < kSize) return std::streambuf::xsputn(bytes, count);
-  if (count > MaxLen || !WriteOut()) return 0;
+  if (target_ == nullptr || !WriteOut()) return 0;
+  if (!vfile::Inside::AdmitSize(*target_, static_cast<std::size_t>(count))) return 0;
   DropRead();
   return Write(bytes, static_cast<std::int32_t>(count)) ? count : 0;
 }
@@ -136,6 +143,7 @@ StreamBuffer::pos_type StreamBuffer::seekpos(pos_type position, std::ios_base::o
 int StreamBuffer::sync() {
   if (!WriteOut()) return -1;
   DropRead();
+  base_ = std::min(base_, file_.Length());
   return 0;
 }
 

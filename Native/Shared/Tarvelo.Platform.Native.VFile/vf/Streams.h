@@ -16,9 +16,10 @@
 /// of the stream, or when they are full. Who changes the file in another way flushes the stream before it, and calls `sync` behind it.
 ///
 /// A seek beyond the end or before the start fails, as does reading behind the end. A change that is refused, also by a failure that
-/// stands in `res`, sets `badbit`; the reason is in the file's `res`. What an installed halt procedure throws, a stream's own operations turn
-/// into `badbit`, or pass on where `exceptions` asks for it. The file must outlive the stream; its end drops what cannot be written, so
-/// flush and look at the state first. Thread: the file's.
+/// stands in `res`, sets `badbit`, or `failbit` where a seek or a read comes upon it; the reason is in the file's `res`. What an
+/// installed halt procedure throws, a stream's own operations turn into `badbit`, or pass on where `exceptions` asks for it; in
+/// some standard libraries a flush or a seek always passes it on. The file must outlive the stream; its end drops what cannot be written,
+/// so flush and look at the state first. Thread: the file's.
 #pragma once
 
 #include <cstdint>

@@ -17,6 +17,7 @@
 
 #include <compare>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -40,6 +41,10 @@ template <typename Text>
 concept UnitString = UnitText<Text> && !std::convertible_to<const Text&, const TChar*>;
 /// @}
 
+/// What could stand for a null pointer.
+template <typename Value>
+concept NoText = std::integral<Value> || std::same_as<Value, std::nullptr_t>;
+
 // ---- Into a file ----
 
 /// @{
@@ -57,21 +62,21 @@ VFILE_API void Append(TCharVFile& text, TStringView units);
 VFILE_API void Assign(TCharVFile& text, TStringView units);
 /// @}
 /// @{
-// A 0 would pass for a null pointer, and so for a text.
-template <typename File, std::integral Number>
-void Insert(File& file, Number) = delete;
-template <typename File, std::integral Number>
-void Replace(File& file, Number) = delete;
-template <typename File, std::integral Number>
-void Append(File& file, Number) = delete;
-template <typename File, std::integral Number>
-void Assign(File& file, Number) = delete;
-template <typename File, std::integral Number>
-std::strong_ordering Compare(const File& file, Number) = delete;
-template <std::integral Number>
-VFile FileFrom(Number) = delete;
-template <std::integral Number>
-TCharVFile TextFrom(Number) = delete;
+// It would pass for a null pointer, and so for a text.
+template <typename File, NoText Value>
+void Insert(File& file, Value) = delete;
+template <typename File, NoText Value>
+void Replace(File& file, Value) = delete;
+template <typename File, NoText Value>
+void Append(File& file, Value) = delete;
+template <typename File, NoText Value>
+void Assign(File& file, Value) = delete;
+template <typename File, NoText Value>
+std::strong_ordering Compare(const File& file, Value) = delete;
+template <NoText Value>
+VFile FileFrom(Value) = delete;
+template <NoText Value>
+TCharVFile TextFrom(Value) = delete;
 /// @}
 
 /// @{

@@ -34,7 +34,8 @@ void Pass::Begin(Meter* meter, std::int64_t total, int parts) {
   outer_ = meter->parts_ == 0;
   counts_ = parts == 1;
   if (outer_) meter->Start(parts);
-  if (meter->total_ < 0 && total >= 0) meter->total_ = total * meter->parts_;
+  // A pass of nothing, as where old content goes out before new one is read, is no part.
+  if (meter->total_ < 0 && total > 0) meter->total_ = total * meter->parts_;
   meter->counting_ = counts_;
 }
 

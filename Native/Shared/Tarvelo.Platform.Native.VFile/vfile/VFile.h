@@ -101,7 +101,7 @@ class VFILE_API VFile {
   /// Takes over all that `source` is, in constant time: content, position, flags, `Type`, `res`, `eof` and `radix`. The source is
   /// then an empty file as a new one, of its own `Type`. No hook is asked or told. Halts if the heap is exhausted, or on another
   /// thread, with the source as it was.
-  VFile(VFile&& source);
+  VFile(VFile&& source);  // NOLINT(performance-noexcept-move-constructor): it may halt
   /// Gives the blocks back to the thread. Halts on another thread, and so may throw where the installed halt procedure does.
   virtual ~VFile() noexcept(false);
 

@@ -1,0 +1,233 @@
+#include <chrono>
+#include <gtest/gtest.h>
+#include <thread>
+
+#include "support/Files.h"
+#include "support/Pipe.h"
+#include "support/Texts.h"
+#include "vf/Progress.h"
+#include "vf/Text.h"
+
+using support::I32, support::Peek, support::Size;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::int64_t kMiB = 1 << 20;
+constexpr I32 kLength = 5 * kMiB + 300;
+
+/// Files of a good many bytes, each "x" but for the last but one.
+struct Progresses : support::InDirectory {
+  Progresses() : content(Size(kLength), 'x') {
+    content[content.size() - 2] = 'y';
+    Put("big", content);
+    vf::Assign(same, content);
+    vf::Assign(text, TString(kLength / 2, 'x'));
+  }
+  ~Progresses() noexcept override = default;
+
+  bool Unchanged() const { return vf::Compare(file, content) == 0; }
+
+  std::string content;
+  Peek file;
+  Peek same;
+  TCharVFile text;
+  I32 at = 0;
+  bool found = false;
+
+  struct Operation {
+    const char* what;
+    std::function<void()> run;
+    std::function<bool()> asAfterEnd;  ///< Whether all is as the table of the operations says.
+    bool ofText = false;
+  };
+  std::vector<Operation> Operations() {
+    const auto empty = [this] { return file.length == 0; };
+    const auto unchanged = [this] { return Unchanged(); };
+    const auto underWay = [this] { return !found && Unchanged() && file.pos >= kMiB && file.pos <= kLength - kMiB; };
+    const auto notFound = [this] { return !found && text.TCharLength() == kLength / 2; };
+#define RUN(...) #__VA_ARGS__, [this] { __VA_ARGS__; }
+    // clang-format off
+    return {
+        {RUN(file.Load(Name("big").c_str(), FILE_SHARE_READ)), empty},
+        {RUN(file.SetFlags(vfInsert); file.ReadFile(Name("big").c_str(), 0)), unchanged},
+        {RUN(HFile in; in.OpenSeqRead(Name("big").c_str()); file.ReplaceFile(9, SameLen, in, kLength)), unchanged},
+        {RUN(file.Save(Name("out").c_str(), true)), underWay},
+        {RUN(HFile out; out.Create(Name("sink").c_str(), true); file.WriteToFile(out, MaxLen)), underWay},
+        {RUN(at = 0; found = file.Find(at, "yz", false, false)), underWay},
+        {RUN(at = MaxLen; found = file.FindBack(at, "zx", false, false)), underWay},
+        {RUN(at = 0; found = text.FindTChars(at, TSTR("yz"), false, false)), notFound, true},
+        {RUN(at = MaxLen; found = text.FindBackTChars(at, TSTR("yz"), true, false)), notFound, true},
+        {RUN(file.ReplaceGlobal("xy", "z", false, false)), underWay},
+        {RUN(text.SaveText(Name("out"), true, TCharVFile::encUtf8, true)), notFound, true},
+        {RUN(text.SaveText(Name("out"), true, TCharVFile::encUtf16BE, true)), notFound, true},
+        {RUN(text.ReplaceGlobalTChars(TSTR("xy"), TSTR("z"), false, false)), notFound, true},
+        {RUN(file = same), unchanged}, {RUN(file.SetPos(77); file.Insert(same, 0, MaxLen)), unchanged},
+        {RUN(file.AppendBytes(content.data(), kLength)), unchanged}, {RUN(found = file == same), notFound},
+        {RUN(found = same == file), notFound}, {RUN(found = file < same), notFound},
+        {RUN(found = file == content.c_str()), notFound}};
+    // clang-format on
+  }
+};
+
+// None comes too early, each is further than the last, and none comes without one who asks.
+TEST_F(Progresses, TellTheBytesOfEachOperation) {
+  for (const Operation& operation : Operations()) {
+    SCOPED_TRACE(operation.what);
+    vf::Assign(file, content);
+    file.SetPos(0);
+    std::int64_t told = 0;
+    int calls = 0;
+    auto before = Clock::now();
+    const auto procedure = [&](std::int64_t done, std::int64_t total) {
+      EXPECT_EQ(total, kLength);
+      EXPECT_TRUE(done - told >= kMiB || (done > told && Clock::now() - before >= std::chrono::milliseconds(20)))
+          << done;
+      told = done;
+      before = Clock::now();
+      return ++calls > 0;
+    };
+    {
+      const vf::Progress progress(file, procedure);
+      const vf::Progress ofText(text, procedure);
+      operation.run();
+      EXPECT_FALSE(progress.IsCancelled() || ofText.IsCancelled());
+    }
+    EXPECT_GE(calls, 4);
+    EXPECT_TRUE(told <= kLength && told > kLength - kMiB - 2 * BlkSize) << told;
+    vf::Assign(file, content);
+    operation.run();
+    EXPECT_EQ(std::tuple(told <= kLength, file.res, text.res), std::tuple(true, I32{resDone}, I32{resDone}));
+  }
+}
+
+TEST_F(Progresses, EndEachOperation) {
+  struct Thrown {};
+  for (const Operation& operation : Operations()) {
+    for (const bool throwing : {false, true}) {
+      SCOPED_TRACE(operation.what);
+      vf::Assign(file, content);
+      file.SetPos(0);
+      text.res = resDone;
+      found = false;
+      int left = 2;
+      const auto procedure = [&](std::int64_t, std::int64_t) {
+        if (--left > 0) return true;
+        if (throwing) throw Thrown();
+        return false;
+      };
+      const vf::Progress progress(file, procedure);
+      const vf::Progress ofText(text, procedure);
+      bool thrown = false;
+      try {
+        operation.run();
+      } catch (const Thrown&) {
+        thrown = true;
+      }
+      const I32 res = operation.ofText ? text.res : file.res;
+      EXPECT_EQ(std::tuple(left, thrown, res), std::tuple(0, throwing, I32{throwing ? resDone : resNotDone}));
+      EXPECT_EQ((operation.ofText ? ofText : progress).IsCancelled(), !throwing);
+      EXPECT_TRUE(operation.asAfterEnd());
+      file.CheckInvariants();
+      left = 1000;
+      file.SetPos(0);
+      vf::Assign(file, content);
+      EXPECT_TRUE(Unchanged() && left < 1000 && !progress.IsCancelled()) << "the next one is told again";
+    }
+  }
+}
+
+TEST_F(Progresses, OfLoadingATextGoTwiceThroughTheFile) {
+  Put("text", "\xEF\xBB\xBF" + content);
+  const std::int64_t total = 2 * (kLength + std::int64_t{3});
+  std::int64_t told = 0;
+  std::int64_t end = 0;
+  const vf::Progress progress(text, [&](std::int64_t done, std::int64_t of) {
+    EXPECT_EQ(of, total);
+    EXPECT_GT(done, told);
+    told = done;
+    return done < end;
+  });
+  // Where it ends, and the units of the text then: none, the raw bytes, the text.
+  for (const auto& [from, units] : {std::pair(kMiB, 0), {total / 2 + kMiB, kLength / 2 + 1}, {total + 1, kLength}}) {
+    text = TString(3000, 'x');
+    told = 0;
+    end = from;
+    text.LoadText(Name("text"), FILE_SHARE_READ);
+    EXPECT_EQ(std::pair(text.TCharLength(), text.res), std::pair(units, I32{from > total ? resDone : resNotDone}));
+    EXPECT_EQ(progress.IsCancelled(), from <= total);
+  }
+  EXPECT_GT(told, total - kMiB - 2 * BlkSize);
+}
+
+TEST_F(Progresses, OfReplacingKeepWhatWasReplaced) {
+  vf::Assign(file, content);
+  std::int64_t length = kLength;
+  int left = 3;
+  const vf::Progress progress(file, [&](std::int64_t done, std::int64_t total) {
+    EXPECT_EQ(total, length);
+    EXPECT_LE(done, total);
+    return --left > 0;
+  });
+  const std::string old(1000, 'x');
+  const std::string longer(2000, 'z');
+  const I32 replaced = file.ReplaceGlobal(old.c_str(), longer.c_str(), false, false);
+  EXPECT_GT(replaced, 0);
+  length += 1000 * replaced;
+  EXPECT_EQ(std::tuple(file.res, left, file.Length()), std::tuple(I32{resNotDone}, 0, I32(length)));
+  left = 1000;
+  EXPECT_EQ(file.ReplaceGlobal(old.c_str(), "", false, false), 5243 - replaced);
+  EXPECT_EQ(file.res, resDone);
+}
+
+TEST(Progress, OfAPipeHasNoTotal) {
+  const auto [reader, writer] = support::OpenChannel();
+  const auto send = [to = writer] {
+    std::uint32_t done = 0;
+    host::WriteFile(to, "x", 1, &done);
+  };
+  VFile file;
+  std::vector<std::int64_t> told;
+  const vf::Progress progress(file, [&](std::int64_t done, std::int64_t total) {
+    told.insert(told.end(), {done, total});
+    return true;
+  });
+  send();
+  std::thread later([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(25));
+    send();
+  });
+  file.ReadFromFile(reader, 2);
+  later.join();
+  host::CloseHandle(writer);
+  host::CloseHandle(reader);
+  EXPECT_TRUE(file == "xx");
+  EXPECT_EQ(told, (std::vector<std::int64_t>{2, -1}));
+}
+
+TEST_F(Progresses, AreOneAtATimeAndStayWithTheirFile) {
+  std::string log;
+  const auto note = [&](char which) {
+    return [&log, which](std::int64_t, std::int64_t) {
+      if (log.empty() || log.back() != which) log += which;
+      return true;
+    };
+  };
+  {
+    const vf::Progress outer(file, note('o'));
+    vf::Assign(file, content);
+    {
+      const vf::Progress inner(file, note('i'));
+      vf::Assign(file, content);
+    }
+    swap(file, same);
+    const Peek moved(std::move(file));
+    vf::Assign(same, content);
+    vf::Assign(file, content);
+  }
+  vf::Assign(file, content);
+  EXPECT_EQ(log, "oio");
+}
+
+}  // namespace
