@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <deque>
 #include <gtest/gtest.h>
 #include <list>
@@ -209,6 +210,13 @@ TEST(Moves, KeepFilesInContainers) {
   }
   files[0] = "assigned";
   EXPECT_TRUE(files[0] == "assigned");
+  // Whole ones, read-only or not, and whatever stands in their results.
+  files.erase(files.begin());
+  std::sort(files.begin(), files.end(), [](const VFile& left, const VFile& right) { return left.res > right.res; });
+  for (int i = 0; i < 19; ++i) {
+    EXPECT_TRUE(files[Size(i)] == Pattern(1030, 19 - i).c_str());
+    EXPECT_EQ(std::pair(files[Size(i)].GetFlags(), files[Size(i)].res), std::pair(19 - i, 19 - i));
+  }
 }
 
 static_assert(!std::is_copy_constructible_v<vf::Movable<VFile>> && std::is_move_constructible_v<vf::Movable<VFile>>);

@@ -92,6 +92,10 @@ TEST(Results, HaveTheTextsOfTheLibrary) {
   }
   vf::Check(resDone);
   vf::Check(resDone, "name");
+  HFile closed;
+  closed.Close();
+  EXPECT_THROW(vf::Check(closed), vf::Error);
+  EXPECT_EQ(closed.res, resDone);
   const auto thrown = [](auto... arguments) -> std::pair<I32, std::string> {
     try {
       vf::Check(arguments...);

@@ -17,6 +17,7 @@ class Inside {
   static VFile& FileOf(TCharVFile& text) { return text; }
 
   static bool OnOwnerThread(const VFile& file) { return file.OnOwnerThread(); }
+  static void ExchangeAll(VFile& left, VFile& right) { left.ExchangeAll(right); }
   static bool AdmitSize(VFile& file, std::size_t size) { return file.AdmitSize(size); }
   static Meter*& MeterOf(VFile& file) { return file.meter; }
   static const std::uint32_t& ChangesOf(const VFile& file) { return file.changes; }

@@ -150,7 +150,10 @@ class VFILE_API TCharVFile : protected VFile {
   /// @}
   /// @{
   void Exchange(TCharVFile& other);  ///< As that of `VFile`.
-  friend void swap(TCharVFile& left, TCharVFile& right) { left.Exchange(right); }
+  template <std::derived_from<TCharVFile> Text>
+  friend void swap(Text& left, Text& right) {
+    left.Exchange(right);
+  }
   /// @}
   /// @{
   /// Inserts at the position, through the slot, whatever `vfInsert` says. A number goes in as text in base `radix`, as in `VFile`.

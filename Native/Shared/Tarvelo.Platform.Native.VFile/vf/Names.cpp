@@ -1,5 +1,6 @@
 #include "vf/Names.h"
 
+#include <algorithm>
 #include <type_traits>
 
 #include "host/NameBytes.h"
@@ -10,11 +11,14 @@ namespace fs = std::filesystem;
 namespace vf {
 namespace {
 
+using NativeChar = fs::path::value_type;
+
 /// Whether the system's names are bytes. In such ones a backslash separates nothing.
-constexpr bool kNamesAreBytes = std::is_same_v<fs::path::value_type, char>;
+constexpr bool kNamesAreBytes = std::is_same_v<NativeChar, char>;
 constexpr host::Backslash kBackslash = kNamesAreBytes ? host::Backslash::kIsOrdinary : host::Backslash::kSeparates;
 
 TString UnitsOfName(std::string_view bytes) {
+  bytes = bytes.substr(0, bytes.find('\0'));
   TString units(bytes.size(), 0);
   units.resize(host::UnitsFromBytes(units.data(), units.size(), bytes.data(), bytes.size(), kBackslash));
   return units;
@@ -22,7 +26,7 @@ TString UnitsOfName(std::string_view bytes) {
 
 TString UnitsOfPath(const fs::path& path) {
   if constexpr (kNamesAreBytes) return UnitsOfName(path.string());
-  return {path.native().begin(), path.native().end()};
+  return {path.native().begin(), std::find(path.native().begin(), path.native().end(), NativeChar{0})};
 }
 
 }  // namespace

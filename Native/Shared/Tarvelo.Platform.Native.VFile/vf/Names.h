@@ -49,7 +49,8 @@ class VFILE_API Name {
   /// In UTF-8.
   template <ByteText Text>
   Name(const Text& utf8) : Name(FromUtf8(), utf8) {}                          // NOLINT(google-explicit-constructor)
-  Name(TString units) : units_(std::move(units)) {}                           // NOLINT(google-explicit-constructor)
+  Name(TStringView units) : units_(units.substr(0, units.find(TChar{0}))) {}  // NOLINT(google-explicit-constructor)
+  Name(const TString& units) : Name(TStringView(units)) {}                    // NOLINT(google-explicit-constructor)
   Name(const TChar* units) : units_(units == nullptr ? TString() : units) {}  // NOLINT(google-explicit-constructor)
   Name(std::nullptr_t) = delete;
 
@@ -89,5 +90,14 @@ inline void Check(std::int32_t res) {
 inline void Check(std::int32_t res, const Name& name) {
   if (res != resDone) throw Error(res, name);
 }
+/// @{
+/// The same of what stands in the `res` of a file, which is then `resDone`, so that who catches the `Error` may go on with the file.
+template <typename File>
+requires requires(File& file) { file.res; }
+void Check(File& file) { Check(std::exchange(file.res, resDone)); }
+template <typename File>
+requires requires(File& file) { file.res; }
+void Check(File& file, const Name& name) { Check(std::exchange(file.res, resDone), name); }
+/// @}
 
 }  // namespace vf

@@ -20,7 +20,8 @@
 ///
 ///     for (auto piece : vf::Pieces(MakeFile()))                     does not compile: the file would be gone
 ///     auto at = std::ranges::find(vf::Bytes(file), 'x');            `at` is std::ranges::dangling
-///     auto at = vf::Bytes(file).begin();                            dangles: the range is gone
+///     auto at = vf::Bytes(file).begin();                            does not compile
+///     auto at = std::begin(vf::Bytes(file));                        dangles: the range is gone
 ///
 /// Behind a halt of the virtual memory that returned an element reads as 0, and pieces end. Heap: 4 KB for each range, `std::bad_alloc`
 /// where there is no room. Thread: the file's.
@@ -163,8 +164,10 @@ class Elements {
         to_(std::clamp(to, from_, window_->Length())) {}
   explicit Elements(const File&& file, std::int32_t from = 0, std::int32_t to = MaxLen) = delete;
 
-  Iterator begin() const { return {window_.get(), from_}; }
-  Iterator end() const { return {window_.get(), to_}; }
+  Iterator begin() const& { return {window_.get(), from_}; }
+  Iterator end() const& { return {window_.get(), to_}; }
+  Iterator begin() const&& = delete;
+  Iterator end() const&& = delete;
   std::size_t size() const { return static_cast<std::size_t>(to_ - from_); }
   bool empty() const { return from_ == to_; }
   Element operator[](std::size_t n) const { return begin()[static_cast<std::ptrdiff_t>(n)]; }

@@ -46,6 +46,7 @@ struct Saving {
 
 /// Saves the whole content.
 VFILE_API void SaveComplete(VFile& file, const Name& name, Saving how = {});
+void SaveComplete(TCharVFile& text, const Name& name, Saving how = {}) = delete;  ///< A text has a form.
 
 /// Saves the text in a form, see `TCharVFile::SaveText`, and gives what of it did not come into the file, as `vf::SaveText` does.
 VFILE_API Losses SaveTextComplete(TCharVFile& text, const Name& name, TCharVFile::Encoding encoding, bool withBom,

@@ -98,6 +98,8 @@ TString ToTString(const TCharVFile& text, std::int32_t position, std::int32_t co
   return PartOf<TString>(text.TCharLength(), position, count, read);
 }
 
+std::string Utf8Of(const TCharVFile& text) { return Utf8Of(ToTString(text)); }
+
 std::strong_ordering Compare(const VFile& file, std::string_view bytes) {
   if (!Inside::OnOwnerThread(file)) return std::strong_ordering::greater;
   const auto other = [&](std::size_t from, std::size_t count) {

@@ -78,6 +78,17 @@ VFile FileFrom(Value) = delete;
 template <NoText Value>
 TCharVFile TextFrom(Value) = delete;
 /// @}
+/// @{
+// A text takes units: `vf::UnitsOf` makes them of UTF-8.
+template <ByteText Bytes>
+void Insert(TCharVFile& text, const Bytes&) = delete;
+template <ByteText Bytes>
+void Replace(TCharVFile& text, const Bytes&) = delete;
+template <ByteText Bytes>
+void Append(TCharVFile& text, const Bytes&) = delete;
+template <ByteText Bytes>
+void Assign(TCharVFile& text, const Bytes&) = delete;
+/// @}
 
 /// @{
 /// A new file with that content, and the position behind it; a failure stands in its `res`.
@@ -92,7 +103,10 @@ VFILE_API TCharVFile TextFrom(TStringView units);
 /// room is `std::bad_alloc`.
 VFILE_API std::string ToString(const VFile& file, std::int32_t position = 0, std::int32_t count = MaxLen);
 VFILE_API TString ToTString(const TCharVFile& text, std::int32_t position = 0, std::int32_t count = MaxLen);
+std::string ToString(const TCharVFile& text, std::int32_t position = 0, std::int32_t count = MaxLen) = delete;
 /// @}
+/// All of a text as UTF-8, likewise.
+VFILE_API std::string Utf8Of(const TCharVFile& text);
 
 // ---- Comparison ----
 

@@ -54,12 +54,17 @@ void VFile::Init() {
 }
 
 VFile::VFile(VFile&& source) : VFile() {
-  if (!source.OnOwnerThread() || !vfile::Require(threadId == source.threadId)) return;
-  ExchangeChain(source);
-  flags = std::exchange(source.flags, 0);
+  ExchangeAll(source);
   type = source.type;
-  res = std::exchange(source.res, resDone);
-  radix = std::exchange(source.radix, 10);
+}
+
+/// Exchanges all that two files of the thread are, but their `type`.
+void VFile::ExchangeAll(VFile& other) {
+  if (!OnOwnerThread() || !vfile::Require(threadId == other.threadId)) return;
+  ExchangeChain(other);
+  std::swap(flags, other.flags);
+  std::swap(res, other.res);
+  std::swap(radix, other.radix);
 }
 
 /// Exchanges contents with all that speaks of them, positions and `eof` too. Nothing of it can fail.

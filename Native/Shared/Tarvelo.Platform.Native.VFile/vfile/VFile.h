@@ -50,6 +50,7 @@
 #pragma once
 
 #include <climits>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 
@@ -159,8 +160,11 @@ class VFILE_API VFile {
   /// them, if one is locked or read-only, or if the `PreChange` of one refuses; that reason then stands in the `res` of both, unless
   /// another does. Each position ends behind the content. The primitives are not called.
   void Exchange(VFile& other);
-  /// What `using std::swap; swap(a, b)` and `std::ranges::swap` call. `std::swap`, named in full, copies.
-  friend void swap(VFile& left, VFile& right) { left.Exchange(right); }
+  /// What `using std::swap; swap(a, b)` and `std::ranges::swap` call, for derived classes too. `std::swap`, named in full, copies.
+  template <std::derived_from<VFile> File>
+  friend void swap(File& left, File& right) {
+    left.Exchange(right);
+  }
 
   /// @}
   /// @name Diagnosis
@@ -668,6 +672,7 @@ class VFILE_API VFile {
 
   // VFile.cpp
   void Init();
+  VFILE_LOCAL void ExchangeAll(VFile& other);
   VFILE_LOCAL void ExchangeChain(VFile& other);
   void AttachThread();
   void DetachThread();
