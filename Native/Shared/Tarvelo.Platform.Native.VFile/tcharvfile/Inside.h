@@ -20,6 +20,7 @@ class Inside {
   static void ExchangeAll(VFile& left, VFile& right) { left.ExchangeAll(right); }
   static bool AdmitSize(VFile& file, std::size_t size) { return file.AdmitSize(size); }
   static Meter*& MeterOf(VFile& file) { return file.meter; }
+  static Meter* MeterOf(const VFile& file) { return file.meter; }
   static const std::uint32_t& ChangesOf(const VFile& file) { return file.changes; }
 
   /// Moves a cursor, new or still valid, to `position`, 0 to the length: to the start of a block rather than the end of the one before.

@@ -10,13 +10,18 @@ using vfile::Inside;
 namespace vf {
 
 Progress::Progress(VFile& file, Procedure procedure)
-    : file_(file),
-      meter_(std::make_unique<vfile::Meter>(std::move(procedure), file.res)),
-      before_(std::exchange(Inside::MeterOf(file), meter_.get())) {}
+    : file_(file), meter_(std::make_unique<vfile::Meter>(std::move(procedure), file.res)) {
+  meter_->before = std::exchange(Inside::MeterOf(file), meter_.get());
+}
 
 Progress::Progress(TCharVFile& text, Procedure procedure) : Progress(Inside::FileOf(text), std::move(procedure)) {}
 
-Progress::~Progress() { Inside::MeterOf(file_) = before_; }
+Progress::~Progress() {
+  // Not always the last that came is the first that goes.
+  vfile::Meter** link = &Inside::MeterOf(file_);
+  while (*link != meter_.get()) link = &(*link)->before;
+  *link = meter_->before;
+}
 
 bool Progress::IsCancelled() const { return meter_->IsCancelled(); }
 

@@ -53,7 +53,8 @@ class Meter;
 
 namespace vf {
 
-/// Tells of the operations of one file, which outlives it. One for a file at a time: a second one takes its place until it ends.
+/// Tells of the operations of one file, which outlives it. One for a file at a time: a second one takes its place until it ends,
+/// whichever ends first.
 class VFILE_API Progress {
  public:
   /// Whether to go on.
@@ -71,7 +72,6 @@ class VFILE_API Progress {
  private:
   VFile& file_;
   std::unique_ptr<vfile::Meter> meter_;
-  vfile::Meter* before_;
 };
 
 }  // namespace vf

@@ -5,6 +5,7 @@
 #include "tcharvfile/Inside.h"
 #include "tcharvfile/UnitCount.h"
 #include "vf/Ranges.h"
+#include "vfile/Meter.h"
 
 using vfile::Inside;
 
@@ -36,9 +37,13 @@ String PartOf(std::int32_t length, std::int32_t position, std::int32_t count, Re
 }
 
 /// Orders the pieces of a file of `length` elements against something of `otherLength`, of which `other(from, count)` gives as a view
-/// as many as there are.
+/// as many as there are. `meter` is that of one of them, or null.
 template <typename Pieces, typename Other>
-std::strong_ordering CompareWith(const Pieces& pieces, std::int32_t length, std::size_t otherLength, Other other) {
+std::strong_ordering CompareWith(const Pieces& pieces, std::int32_t length, std::size_t otherLength, Other other,
+                                 vfile::Meter* meter) {
+  constexpr std::int64_t kWidth = sizeof(typename Pieces::View::value_type);
+  const auto shorter = static_cast<std::int64_t>(std::min(static_cast<std::size_t>(length), otherLength));
+  vfile::Pass pass(meter, shorter * kWidth);
   std::size_t compared = 0;
   for (const auto piece : pieces) {
     const auto part = other(compared, piece.size());
@@ -46,6 +51,7 @@ std::strong_ordering CompareWith(const Pieces& pieces, std::int32_t length, std:
     if (order != 0) return order <=> 0;
     if (part.size() < piece.size()) return std::strong_ordering::greater;
     compared += piece.size();
+    if (!pass.Advance(static_cast<std::int64_t>(piece.size()) * kWidth)) return std::strong_ordering::greater;
   }
   // There is less than the length says only behind a halt that returned.
   if (compared < static_cast<std::size_t>(length)) return std::strong_ordering::greater;
@@ -105,27 +111,30 @@ std::strong_ordering Compare(const VFile& file, std::string_view bytes) {
   const auto other = [&](std::size_t from, std::size_t count) {
     return bytes.substr(std::min(from, bytes.size()), count);
   };
-  return CompareWith(Pieces(file), file.Length(), bytes.size(), other);
+  return CompareWith(Pieces(file), file.Length(), bytes.size(), other, Inside::MeterOf(file));
 }
 
 std::strong_ordering Compare(const TCharVFile& text, TStringView units) {
-  if (!Inside::OnOwnerThread(Inside::FileOf(text))) return std::strong_ordering::greater;
+  const VFile& file = Inside::FileOf(text);
+  if (!Inside::OnOwnerThread(file)) return std::strong_ordering::greater;
   const auto other = [&](std::size_t from, std::size_t count) {
     return units.substr(std::min(from, units.size()), count);
   };
-  return CompareWith(Pieces(text), text.TCharLength(), units.size(), other);
+  return CompareWith(Pieces(text), text.TCharLength(), units.size(), other, Inside::MeterOf(file));
 }
 
 std::strong_ordering Compare(const TCharVFile& text, const TCharVFile& other) {
-  const bool allowed = Inside::OnOwnerThread(Inside::FileOf(text)) && Inside::OnOwnerThread(Inside::FileOf(other));
-  if (!allowed) return std::strong_ordering::greater;
+  const VFile& file = Inside::FileOf(text);
+  const VFile& otherFile = Inside::FileOf(other);
+  if (!Inside::OnOwnerThread(file) || !Inside::OnOwnerThread(otherFile)) return std::strong_ordering::greater;
   TChar units[BlkSize / sizeof(TChar)];
   const auto part = [&](std::size_t from, std::size_t count) {
     const std::int32_t got =
         other.ReadTCharsAt(static_cast<std::int32_t>(from), units, static_cast<std::int32_t>(count));
     return TStringView(units, static_cast<std::size_t>(got));
   };
-  return CompareWith(Pieces(text), text.TCharLength(), static_cast<std::size_t>(other.TCharLength()), part);
+  vfile::Meter* meter = Inside::MeterOf(file) != nullptr ? Inside::MeterOf(file) : Inside::MeterOf(otherFile);
+  return CompareWith(Pieces(text), text.TCharLength(), static_cast<std::size_t>(other.TCharLength()), part, meter);
 }
 
 }  // namespace vf

@@ -112,7 +112,7 @@ VFILE_API std::string Utf8Of(const TCharVFile& text);
 
 /// @{
 /// Orders by bytes as unsigned values, or by units; the first difference decides, and a beginning of the other is less than it. Reads up
-/// to that difference and moves nothing; behind a halt that returned it is `greater`.
+/// to that difference and moves nothing; behind a halt that returned, and where a vf/Progress.h ended it, it is `greater`.
 VFILE_API std::strong_ordering Compare(const VFile& file, std::string_view bytes);
 VFILE_API std::strong_ordering Compare(const TCharVFile& text, TStringView units);
 VFILE_API std::strong_ordering Compare(const TCharVFile& text, const TCharVFile& other);

@@ -1,5 +1,7 @@
 #include "vfile/Meter.h"
 
+#include <algorithm>
+
 #include "hsys/Res.h"
 
 namespace vfile {
@@ -13,14 +15,27 @@ void Meter::Start(int parts) {
   cancelled_ = false;
 }
 
+void Meter::Cancel() {
+  cancelled_ = true;
+  res_ = resNotDone;
+}
+
 bool Meter::Advance(std::int64_t bytes) {
   constexpr std::int64_t kStep = 1 << 20;
   constexpr std::chrono::milliseconds kWait{20};
   done_ += bytes;
   if (done_ - told_ < kStep && Clock::now() - toldAt_ < kWait) return true;
-  if (!procedure_(done_, total_)) {
-    cancelled_ = true;
-    res_ = resNotDone;
+  // A file may grow while it is read.
+  const std::int64_t total = total_ < 0 ? total_ : std::max(total_, done_);
+  bool goesOn = false;
+  try {
+    goesOn = procedure_(done_, total);
+  } catch (...) {
+    Cancel();
+    throw;
+  }
+  if (!goesOn) {
+    Cancel();
     return false;
   }
   told_ = done_;

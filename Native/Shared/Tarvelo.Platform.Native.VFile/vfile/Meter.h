@@ -24,12 +24,15 @@ class Meter {
   /// Whether the last operation was ended.
   bool IsCancelled() const { return cancelled_; }
 
+  Meter* before = nullptr;  ///< the one of the same file that this one stands in for, or null
+
  private:
   friend class Pass;
   using Clock = std::chrono::steady_clock;
 
   void Start(int parts);
   bool Advance(std::int64_t bytes);
+  void Cancel();
 
   Procedure procedure_;
   std::int32_t& res_;
