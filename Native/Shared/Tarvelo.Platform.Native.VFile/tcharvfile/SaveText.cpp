@@ -152,7 +152,8 @@ bool ConvertAll(TCharVFile& text, vfile::Meter* meter, Conversion& conversion, S
   return true;
 }
 
-/// Whether the converted text can be written as one, of up to 2^31-1 bytes.
+/// Whether the converted text can be written as one, of up to 2^31-1 bytes. True too where the counting ended with a failure in the
+/// text's `res`.
 template <typename Conversion>
 bool Fits(TCharVFile& text, vfile::Meter* meter) {
   if (text.TCharLength() <= MaxLen / Conversion::kMostOfUnit) return true;
@@ -169,7 +170,7 @@ void WriteConverted(TCharVFile& text, vfile::Meter* meter, HFile& file, host::Lo
     file.res = resHeapOverflow;
   } else if (!Fits<Conversion>(text, meter)) {
     file.res = resTooLong;
-  } else {
+  } else if (text.res == resDone) {
     Writer<Conversion> writer(file);
     if (ConvertAll(text, meter, conversion, writer, losses)) writer.Finish();
   }
