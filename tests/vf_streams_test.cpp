@@ -141,6 +141,9 @@ TEST(Streams, FollowAFileThatOthersChanged) {
   EXPECT_EQ(stream.get(), '3') << "read before";
   stream.sync();
   EXPECT_EQ(stream.get(), '8');
+  char none = 0;
+  EXPECT_EQ(stream.rdbuf()->sgetn(&none, -3), 0);
+  EXPECT_EQ(stream.tellg(), 5);
   file.Delete(2, MaxLen);
   stream.sync();
   stream << -26 << std::flush;

@@ -80,6 +80,7 @@ StreamBuffer::int_type StreamBuffer::pbackfail(int_type ch) {
 }
 
 std::streamsize StreamBuffer::xsgetn(char* bytes, std::streamsize count) {
+  if (count <= 0) return 0;
   std::streamsize done = std::min<std::streamsize>(count, egptr() - gptr());
   std::copy_n(gptr(), done, bytes);
   gbump(static_cast<int>(done));
