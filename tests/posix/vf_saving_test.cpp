@@ -138,6 +138,23 @@ TEST_F(HostSaves, AreRefusedToWhoMayNotKeepTheOwner) {
   }
 }
 
+TEST_F(HostSaves, GoByANameAsItIs) {
+  if (!isRoot) GTEST_SKIP() << "root may pass every directory";
+  ASSERT_EQ(mkdir(Path("closed").c_str(), 0700), 0);
+  ASSERT_EQ(mkdir(Path("closed/open").c_str(), 0755), 0);
+  Put("closed/open/file", "old");
+  ASSERT_EQ(chown(Path("closed/open").c_str(), kNobody, kNobody), 0);
+  ASSERT_EQ(chown(Path("closed/open/file").c_str(), kNobody, kNobody), 0);
+  support::InChild([&] {
+    ASSERT_EQ(chdir(Path("closed/open").c_str()), 0);
+    ASSERT_TRUE(setresgid(kNobody, kNobody, kNobody) == 0 && setresuid(kNobody, kNobody, kNobody) == 0);
+    VFile file(kNew.c_str());
+    vf::SaveComplete(file, "file", {.overwrite = true});
+    EXPECT_EQ(file.res, resDone);
+  });
+  EXPECT_EQ(Content("closed/open/file"), kNew);
+}
+
 // ---- What the name leads to ----
 
 TEST_F(HostSaves, FollowLinks) {

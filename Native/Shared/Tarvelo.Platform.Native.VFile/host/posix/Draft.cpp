@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
 #include <new>
 #include <string_view>
@@ -138,7 +137,8 @@ std::uint32_t Draft::State::BeginOver(const NativeName& name) {
   const bool locked = posix::LockForSharing(old.Get(), oldStatus_, 0);
   if (!posix::LeadsTo(name.Text(), oldStatus_)) return kChanged;
   if (!locked) return ERROR_SHARING_VIOLATION;
-  const bool found = realpath(name.Text(), path) != nullptr;
+  // As the name is: what lies above the working directory may be closed to this process.
+  const bool found = posix::FollowLinks(name.Text(), path) != nullptr;
   std::uint32_t error = found ? Enter(name, path) : ErrorFromErrno(errno, name);
   if (error != ERROR_SUCCESS) return error;
   if (!posix::IsNameOf(directory_.Get(), target_, oldStatus_)) return kChanged;
