@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <set>
 
 #include "hfile/HFileDir.h"
 #include "support/Files.h"
@@ -56,6 +57,8 @@ TEST(Names, AreMadeOfAllThatNames) {
                             TSTR("a\u00E9"), units.c_str()};
   // clang-format on
   for (const vf::Name& name : names) EXPECT_EQ(name.Units(), units) << &name - names;
+  const std::set<vf::Name> ordered{"b", "a", "b"};
+  EXPECT_EQ(std::vector<vf::Name>(ordered.begin(), ordered.end()), (std::vector<vf::Name>{"a", "b"}));
   EXPECT_EQ(vf::Name(), vf::Name(static_cast<const TChar*>(nullptr)));
   EXPECT_EQ(static_cast<const TChar*>(vf::Name())[0], 0);
   EXPECT_EQ(TString(vf::Name(std::string("a\0b", 3))), TSTR("a"));

@@ -10,6 +10,7 @@
 /// Everything here owns what it gives. A heap without room is `std::bad_alloc`. Thread: any.
 #pragma once
 
+#include <compare>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -60,6 +61,7 @@ class VFILE_API Name {
   std::string Utf8() const;
   std::filesystem::path Path() const;
   bool operator==(const Name& other) const { return units_ == other.units_; }
+  std::strong_ordering operator<=>(const Name& other) const { return units_ <=> other.units_; }  ///< By units.
 
  private:
   struct FromUtf8 {};

@@ -160,7 +160,8 @@ class VFILE_API VFile {
   /// them, if one is locked or read-only, or if the `PreChange` of one refuses; that reason then stands in the `res` of both, unless
   /// another does. Each position ends behind the content. The primitives are not called.
   void Exchange(VFile& other);
-  /// What `using std::swap; swap(a, b)` and `std::ranges::swap` call, for derived classes too. `std::swap`, named in full, copies.
+  /// What `using std::swap; swap(a, b)` and `std::ranges::swap` call, for derived classes too. `std::swap`, named in full, moves and
+  /// copies: the left file loses its flags, be it read-only or locked.
   template <std::derived_from<VFile> File>
   friend void swap(File& left, File& right) {
     left.Exchange(right);
