@@ -56,6 +56,7 @@ class VFILE_API Name {
   Name(std::nullptr_t) = delete;
 
   operator const TChar*() const { return units_.c_str(); }  // NOLINT(google-explicit-constructor)
+  explicit operator bool() const = delete;                  ///< The pointer is never null; look at `Units().empty()`.
   const TString& Units() const { return units_; }
   /// In UTF-8; where the system's names are bytes, these.
   std::string Utf8() const;

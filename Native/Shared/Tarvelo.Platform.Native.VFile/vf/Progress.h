@@ -32,7 +32,7 @@
 ///     comparison of files or with a string   compared; of the side  files are not equal, and their order is open
 ///                                            that has a `Progress`
 ///
-/// `HFile::Copy` is one call of the host, which tells nothing.
+/// A search that was ended does not tell a match that it had just come upon. `HFile::Copy` is one call of the host, which tells nothing.
 ///
 /// An ended operation leaves `resNotDone` in the file, a comparison too. The procedure must not use the file but to look: `Length` and
 /// `GetPos` tell where things stand. What it throws ends the operation likewise and comes out of it.
@@ -60,6 +60,7 @@ class VFILE_API Progress {
   /// Whether to go on.
   using Procedure = std::function<bool(std::int64_t done, std::int64_t total)>;
 
+  /// The procedure is not empty.
   Progress(VFile& file, Procedure procedure);
   Progress(TCharVFile& text, Procedure procedure);
   ~Progress();
