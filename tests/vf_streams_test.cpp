@@ -62,10 +62,11 @@ struct Pair {
   }
   void Write() {
     const std::string bytes = Pattern(Below(Below(4) == 0 ? 9000 : 30), Below(200));
-    if (Below(2) == 0)
+    if (Below(2) == 0) {
       stream << bytes;
-    else
+    } else {
       for (const char byte : bytes) stream.put(byte);
+    }
     content.replace(Size(place), file.FlagOn(vfInsert) ? 0 : bytes.size(), bytes);
     place += Count(bytes.size());
     if (!bytes.empty()) written = place;

@@ -30,12 +30,6 @@ void LeaveOut(pid_t) { ADD_FAILURE() << "calls cannot be answered here"; }
 void FailWith(pid_t, int) {}
 #endif
 
-/// The end of a process that stopped for another reason than a call.
-support::End EndOf(int status) {
-  EXPECT_TRUE(WIFEXITED(status)) << "status " << status;
-  return {false, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
-}
-
 }  // namespace
 
 void support::BeginTracing() {
@@ -46,14 +40,14 @@ void support::BeginTracing() {
 support::End support::Follow(pid_t child, const Answering& answer) {
   int status = 0;
   EXPECT_TRUE(waitpid(child, &status, 0) == child && WIFSTOPPED(status)) << "status " << status;
-  if (!WIFSTOPPED(status)) return EndOf(status);
   EXPECT_EQ(ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL), 0);
   int number = 0;
   int error = kMakeIt;
   int signal = 0;
   for (;;) {
     EXPECT_EQ(ptrace(PTRACE_SYSCALL, child, nullptr, signal), 0);
-    if (waitpid(child, &status, 0) != child || !WIFSTOPPED(status)) return EndOf(status);
+    if (waitpid(child, &status, 0) != child || !WIFSTOPPED(status))
+      return {false, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
     const bool atCall = WSTOPSIG(status) == (SIGTRAP | 0x80);
     signal = atCall ? 0 : WSTOPSIG(status);
     if (!atCall) continue;
