@@ -128,16 +128,4 @@ TEST_F(Saves, DoNothingBehindAFailureOrOnAnotherThread) {
   }
 }
 
-// What is read and written are one file, and names are UTF-8.
-TEST_F(Saves, ReplaceWhatWasLoaded) {
-  Put("old", "teh old");
-  const vf::Name name(Path("old"));
-  VFile file;
-  file.Load(name, FILE_SHARE_READ);
-  file.ReplaceGlobal("teh", "the", false, true);
-  vf::SaveComplete(file, name, {.overwrite = true});
-  EXPECT_EQ(file.res, resDone);
-  EXPECT_EQ(Content("old"), "the old");
-}
-
 }  // namespace
