@@ -137,9 +137,7 @@ TEST(Streams, FollowAFileThatOthersChanged) {
   EXPECT_EQ(stream.get(), '8');
   file.Delete(2, MaxLen);
   stream.sync();
-  stream << -26 << std::flush;
-  EXPECT_EQ(stream.tellp(), 5);
-  EXPECT_TRUE(file == "01-26");
+  EXPECT_EQ(stream.tellp(), 2);
 }
 
 /// Counts its changes, and can be made to refuse or to throw.
@@ -208,8 +206,10 @@ TEST(Streams, EndWhereAPageIsRefused) {
   vf::IStream in(file);
   in.seekg(5000);
   VFile::ReleaseCache();
-  for (const auto& read : {std::function<void(std::istream&)>(DO(f.get())), {DO(f.unget())}}) {
-    const support::FailingDisk disk(1, support::FailingDisk::kReads);
+  const std::pair<std::function<void(std::istream&)>, int> rows[] = {
+      {DO(f.get()), 1}, {DO(f.unget()), 1}, {DO(f.unget()), 2}};
+  for (const auto& [read, failing] : rows) {
+    const support::FailingDisk disk(failing, support::FailingDisk::kReads);
     const support::NoteHalts noting;
     read(in);
     EXPECT_TRUE(in.fail());

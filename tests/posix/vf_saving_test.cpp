@@ -22,8 +22,7 @@ using support::Saves;
 using support::SystemCall;
 
 constexpr uid_t kNobody = 65534;
-constexpr vf::Saving kOver = {.overwrite = true, .onDisk = false};
-constexpr vf::Saving kOverOnDisk = {.overwrite = true, .onDisk = true};
+constexpr vf::Saving kOver = {.overwrite = true, .onDisk = true};
 
 /// Owner, group and mode.
 using Rights = std::tuple<uid_t, gid_t, mode_t>;
@@ -48,21 +47,6 @@ struct HostSaves : Saves {
 };
 
 // ---- What the new file is ----
-
-TEST_F(HostSaves, KeepOwnerAndMode) {
-  const auto rows = isRoot ? std::vector<uid_t>{0, kNobody} : std::vector<uid_t>{geteuid()};
-  for (const uid_t owner : rows) {
-    for (const mode_t mode : {0640u, 0200u, 06711u}) {
-      Put("file", "old");
-      ASSERT_EQ(chown(Path("file").c_str(), owner, isRoot ? owner : getegid()), 0);
-      ASSERT_EQ(chmod(Path("file").c_str(), mode), 0);
-      const Rights rights = RightsOf("file");
-      EXPECT_EQ(Save("file"), resDone);
-      EXPECT_EQ(RightsOf("file"), rights);
-      fs::remove(Path("file"));
-    }
-  }
-}
 
 /// An access list in the system's form: the owner may all, one other user and the group may read.
 const std::string kList(
@@ -146,7 +130,7 @@ TEST_F(HostSaves, FollowLinks) {
 TEST_F(HostSaves, WriteWhatIsNoRegularFileAsItIs) {
   ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
   const int reader = open(Path("pipe").c_str(), O_RDWR | O_NONBLOCK);
-  EXPECT_EQ(Save("pipe", kOverOnDisk), resDone);
+  EXPECT_EQ(Save("pipe", kOver), resDone);
   std::string piped(kNew.size(), '?');
   EXPECT_EQ(read(reader, piped.data(), piped.size()), static_cast<ssize_t>(piped.size()));
   close(reader);
@@ -312,7 +296,7 @@ TEST_F(BrokenSaves, LeaveTheOldOrTheNewFile) {
           last = call;
           return end == kKillIt || IsOfFiles(call) ? end : kMakeIt;
         };
-        const auto [killed, res] = TraceSave(way.target, kOverOnDisk, answer);
+        const auto [killed, res] = TraceSave(way.target, kOver, answer);
         SCOPED_TRACE(testing::Message() << way.name << ", " << end << " at " << k << ", number " << last.call);
         const bool isDone = !killed && res == resDone;
         const bool isFlush = last.call == SYS_fsync;
