@@ -289,8 +289,9 @@ TEST_F(BrokenSaves, LeaveTheOldOrTheNewFile) {
     for (const int end : {kKillIt, EIO, EINTR}) {
       std::size_t left = 0;
       int broken = 0;
-      SystemCall last = {};
-      for (int k = 1; k == 1 || last.call != SYS_exit_group; ++k) {
+      bool reached = true;
+      for (int k = 1; reached; ++k) {
+        SystemCall last = {};
         const auto answer = [&](const SystemCall& call) {
           if (call.number != k) return AnswerOf(way, call);
           last = call;
@@ -300,13 +301,14 @@ TEST_F(BrokenSaves, LeaveTheOldOrTheNewFile) {
         SCOPED_TRACE(testing::Message() << way.name << ", " << end << " at " << k << ", number " << last.call);
         const bool isDone = !killed && res == resDone;
         const bool isFlush = last.call == SYS_fsync;
-        EXPECT_EQ(killed, end == kKillIt);
+        EXPECT_EQ(killed, end == kKillIt && last.number == k);
         EXPECT_TRUE(isDone || end != EINTR || !WaitsForOthers(last)) << res;
         EXPECT_FALSE(isDone && isFlush && end == EIO);
         const auto others = CheckAndRepair(way, !isDone, isDone || killed || isFlush);
         EXPECT_TRUE(others.empty() || (killed && (!way.hasNamelessFiles || others[0] == kNew)));
         left += others.size();
         broken += isDone ? 0 : 1;
+        reached = last.number == k && last.call != SYS_exit_group;
         if (HasFailure()) return;
       }
       EXPECT_GT(broken, 1) << way.name;
