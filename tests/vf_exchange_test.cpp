@@ -1,11 +1,9 @@
 #include <algorithm>
-#include <deque>
 #include <gtest/gtest.h>
 #include <list>
 #include <thread>
 
 #include "support/Chains.h"
-#include "support/Disk.h"
 #include "support/Halts.h"
 #include "support/Heap.h"
 #include "vf/Movable.h"
@@ -22,16 +20,17 @@ struct Hooked : Peek {
   using Peek::Peek, VFile::operator=;
 
   I32 PreChange(I32 at, I32 del, I32 ins) const override {
-    Note('?', at, del, ins);
+    Note("?", at, del, ins);
     return answer;
   }
   void PostChange(I32 at, I32 del, I32 ins) override {
-    Note('!', at, del, ins);
+    Note("!", at, del, ins);
     VFile::PostChange(at, del, ins);
   }
-  void Note(char hook, I32 at, I32 del, I32 ins) const {
-    const auto shown = [](I32 number) { return std::to_string(number) + " "; };
-    if (log != nullptr) *log += (name + (hook + shown(at))) + shown(del) + shown(ins);
+  void Note(const char* hook, I32 at, I32 del, I32 ins) const {
+    if (log == nullptr) return;
+    *log += name + hook;
+    for (const I32 number : {at, del, ins}) *log += std::to_string(number) + " ";
   }
   /// So many blocks of "x", with a newer scratch buffer and an index behind a far move.
   void Fill(int blocks, char x) {
@@ -65,7 +64,7 @@ struct Hooked : Peek {
 };
 
 TEST(Exchange, SwapsContentsAndNothingElse) {
-  for (const auto& [lefts, rights] : {std::pair(300, 290), {300, 1}, {2, 250}, {3, 0}}) {
+  for (const auto& [lefts, rights] : {std::pair(300, 290), {300, 1}, {3, 0}}) {
     std::string log;
     Hooked left;
     Hooked right;
@@ -120,8 +119,9 @@ TEST(Exchange, IsRefusedByEither) {
 TEST(Exchange, IsDoneByItsNamesAndByTheOwnThreadAlone) {
   Hooked left("left");
   Hooked right("right");
-  swap(left, right);
   VFile& file = left;
+  swap(left, right);
+  EXPECT_EQ(Bytes(left) + Bytes(right), "rightleft");
   std::ranges::swap(file, static_cast<VFile&>(right));
   left.Exchange(left);
   left.res = resNotFound;
@@ -133,8 +133,6 @@ TEST(Exchange, IsDoneByItsNamesAndByTheOwnThreadAlone) {
   TCharVFile other;
   swap(text, other);
   EXPECT_EQ(text.ToString() + TSTR("|") + other.ToString(), TSTR("|a"));
-  std::ranges::swap(text, other);
-  EXPECT_EQ(text.ToString() + TSTR("|") + other.ToString(), TSTR("a|"));
   std::thread([&] {
     VFile foreign;
     EXPECT_ASSERTION("VFile", foreign.Exchange(left));
@@ -145,23 +143,7 @@ TEST(Exchange, IsDoneByItsNamesAndByTheOwnThreadAlone) {
   Hooked another;
   empty.log = another.log = &log;
   empty.Exchange(another);
-  empty.Exchange(empty);
   EXPECT_EQ(log, "") << "a change of nothing by nothing";
-}
-
-// With a cache of no page, one that is read or written comes from the swap file or goes there, which takes four.
-TEST(Exchange, ReadsNoContent) {
-  Hooked left;
-  Hooked right;
-  left.Fill(300, 'a');
-  right.Fill(200, 'b');
-  VFile::SetMaxCacheSize(0);
-  {
-    const support::FailingDisk disk(5);
-    EXPECT_HALT("", left.Exchange(right); const VFile moved(std::move(left)));
-    EXPECT_FALSE(support::FailingDisk::HasFailed());
-  }
-  VFile::SetMaxCacheSize(70);
 }
 
 // Of which one holds a block in its scratch buffer, or held one before it moved on.
@@ -194,19 +176,14 @@ TEST(Moves, TakeAllAndLeaveAFileAsANewOne) {
 
 TEST(Moves, KeepFilesInContainers) {
   std::vector<vf::Movable<VFile>> files;
-  std::vector<vf::Movable<TCharVFile>> texts;
-  std::deque<VFile> deque;
   for (int i = 0; i < 20; ++i) {
     files.emplace_back(Pattern(1030, i).c_str());
     files.back().SetFlags(i);
     files.back().res = i;
-    texts.emplace_back(vf::TextFrom(TString(2000, static_cast<TChar>(i))));
-    deque.push_front(vf::FileFrom(Pattern(1030, i).c_str()));
   }
   for (int i = 0; i < 20; ++i) {
-    EXPECT_TRUE(files[Size(i)] == deque[Size(19 - i)] && deque[Size(19 - i)] == Pattern(1030, i).c_str());
+    EXPECT_TRUE(files[Size(i)] == Pattern(1030, i).c_str());
     EXPECT_EQ(std::pair(files[Size(i)].GetFlags(), files[Size(i)].res), std::pair(i, i));
-    EXPECT_EQ(texts[Size(i)].ToString(), TString(2000, static_cast<TChar>(i)));
   }
   files[0] = "assigned";
   EXPECT_TRUE(files[0] == "assigned");
@@ -217,6 +194,8 @@ TEST(Moves, KeepFilesInContainers) {
     EXPECT_TRUE(files[Size(i)] == Pattern(1030, 19 - i).c_str());
     EXPECT_EQ(std::pair(files[Size(i)].GetFlags(), files[Size(i)].res), std::pair(19 - i, 19 - i));
   }
+  vf::Movable<TCharVFile> text(vf::TextFrom(TSTR("text")));
+  EXPECT_EQ(vf::Movable<TCharVFile>(std::move(text)).ToString(), TSTR("text"));
 }
 
 static_assert(!std::is_copy_constructible_v<vf::Movable<VFile>> && std::is_move_constructible_v<vf::Movable<VFile>>);
@@ -234,9 +213,6 @@ TEST(Moves, HaltWithTheSourceAsItWas) {
   // Until the thread's pool has nothing left.
   while (support::HaltOf([&] { others.emplace_back(); }).empty()) continue;
   EXPECT_NE(support::HaltOf([&] { const VFile moved(std::move(source)); }), "");
-  EXPECT_EQ(Bytes(source), "source");
-  const support::NoteHalts returning;
-  const VFile moved(std::move(source));
   EXPECT_EQ(Bytes(source), "source");
 }
 

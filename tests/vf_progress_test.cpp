@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "support/Files.h"
+#include "support/Halts.h"
 #include "support/Pipe.h"
 #include "support/Texts.h"
 #include "vf/Progress.h"
@@ -30,6 +31,14 @@ struct Progresses : support::InDirectory {
   }
   ~Progresses() noexcept override = default;
 
+  /// All as it was before an operation.
+  void Restore() {
+    file.Reset();
+    vf::Assign(file, content);
+    file.SetPos(0);
+    text.res = resDone;
+    found = false;
+  }
   bool Unchanged() const { return vf::ToString(file) == content; }
 
   std::string content;
@@ -56,10 +65,8 @@ struct Progresses : support::InDirectory {
     // clang-format off
     return {
         {RUN(file.Load(Name("big").c_str(), FILE_SHARE_READ)), empty},
-        {RUN(file.SetFlags(vfInsert); file.ReadFile(Name("big").c_str(), 0)), unchanged},
         {RUN(HFile in; in.OpenSeqRead(Name("big").c_str()); file.ReplaceFile(9, SameLen, in, kLength)), unchanged},
         {RUN(file.Save(Name("out").c_str(), true)), underWay},
-        {RUN(HFile out; out.Create(Name("sink").c_str(), true); file.WriteToFile(out, MaxLen)), underWay},
         {RUN(at = 0; found = file.Find(at, "yz", false, false)), underWay},
         {RUN(at = MaxLen; found = file.FindBack(at, "zx", false, false)), underWay},
         {RUN(at = 0; found = text.FindTChars(at, TSTR("yz"), false, false)), notFound, true},
@@ -68,12 +75,11 @@ struct Progresses : support::InDirectory {
         {RUN(text.SaveText(Name("out"), true, TCharVFile::encUtf8, true)), notFound, true},
         {RUN(text.SaveText(Name("out"), true, TCharVFile::encUtf16BE, true)), notFound, true},
         {RUN(text.ReplaceGlobalTChars(TSTR("xy"), TSTR("z"), false, false)), notFound, true},
-        {RUN(file = same), unchanged}, {RUN(file.SetPos(77); file.Insert(same, 0, MaxLen)), unchanged},
-        {RUN(file.AppendBytes(content.data(), kLength)), unchanged}, {RUN(found = file == same), notFound},
-        {RUN(found = same == file), notFound}, {RUN(found = file < same), notFound},
-        {RUN(found = file == content.c_str()), notFound}, {RUN(found = file == content), notFound},
+        {RUN(file.Insert(same, 0, MaxLen)), unchanged}, {RUN(file.AppendBytes(content.data(), kLength)), unchanged},
+        {RUN(found = same == file), notFound},
+        {RUN(found = file == content.c_str()), notFound},
+        {RUN(found = file == content), notFound},
         {RUN(found = vf::Compare(text, allUnits) == 0), notFound, true},
-        {RUN(found = vf::Compare(text, sameText) == 0), notFound, true},
         {RUN(found = vf::Compare(sameText, text) == 0), notFound, true}};
     // clang-format on
   }
@@ -83,8 +89,7 @@ struct Progresses : support::InDirectory {
 TEST_F(Progresses, TellTheBytesOfEachOperation) {
   for (const Operation& operation : Operations()) {
     SCOPED_TRACE(operation.what);
-    vf::Assign(file, content);
-    file.SetPos(0);
+    Restore();
     std::int64_t told = 0;
     int calls = 0;
     auto before = Clock::now();
@@ -104,43 +109,32 @@ TEST_F(Progresses, TellTheBytesOfEachOperation) {
     }
     EXPECT_GE(calls, 4);
     EXPECT_TRUE(told <= kLength && told > kLength - kMiB - 2 * BlkSize) << told;
-    vf::Assign(file, content);
+    Restore();
     operation.run();
     EXPECT_EQ(std::tuple(told <= kLength, file.res, text.res), std::tuple(true, I32{resDone}, I32{resDone}));
   }
 }
 
 TEST_F(Progresses, EndEachOperation) {
-  struct Thrown {};
   for (const Operation& operation : Operations()) {
     for (const bool throwing : {false, true}) {
       SCOPED_TRACE(operation.what);
-      vf::Assign(file, content);
-      file.SetPos(0);
-      text.res = resDone;
-      found = false;
+      Restore();
       int left = 2;
       const auto procedure = [&](std::int64_t, std::int64_t) {
-        if (--left > 0) return true;
-        if (throwing) throw Thrown();
-        return false;
+        if (--left == 0 && throwing) throw support::Halted{"thrown"};
+        return left > 0;
       };
       const vf::Progress progress(file, procedure);
       const vf::Progress ofText(text, procedure);
-      bool thrown = false;
-      try {
-        operation.run();
-      } catch (const Thrown&) {
-        thrown = true;
-      }
+      EXPECT_EQ(support::HaltOf(operation.run), throwing ? "thrown" : "");
       const I32 res = operation.ofText ? text.res : file.res;
-      EXPECT_EQ(std::tuple(left, thrown, res), std::tuple(0, throwing, I32{resNotDone}));
+      EXPECT_EQ(std::pair(left, res), std::pair(0, I32{resNotDone}));
       EXPECT_TRUE((operation.ofText ? ofText : progress).IsCancelled());
       EXPECT_TRUE(operation.asAfterEnd());
       file.CheckInvariants();
       left = 1000;
-      file.SetPos(0);
-      vf::Assign(file, content);
+      Restore();
       EXPECT_TRUE(Unchanged() && left < 1000 && !progress.IsCancelled()) << "the next one is told again";
     }
   }
@@ -181,37 +175,29 @@ TEST_F(Progresses, OfReplacingKeepWhatWasReplaced) {
   const std::string old(1000, 'x');
   const std::string longer(2000, 'z');
   const I32 replaced = file.ReplaceGlobal(old.c_str(), longer.c_str(), false, false);
-  EXPECT_GT(replaced, 0);
   length += 1000 * replaced;
   EXPECT_EQ(std::tuple(file.res, left, file.Length()), std::tuple(I32{resNotDone}, 0, I32(length)));
-  left = 1000;
-  EXPECT_EQ(file.ReplaceGlobal(old.c_str(), "", false, false), 5243 - replaced);
-  EXPECT_EQ(file.res, resDone);
+  EXPECT_EQ(Size(replaced), std::ranges::count(support::Bytes(file), 'z') / longer.size());
 }
 
 TEST(Progress, OfAPipeHasNoTotal) {
   const auto [reader, writer] = support::OpenChannel();
-  const auto send = [to = writer] {
-    std::uint32_t done = 0;
-    host::WriteFile(to, "x", 1, &done);
-  };
   VFile file;
   std::vector<std::int64_t> told;
   const vf::Progress progress(file, [&](std::int64_t done, std::int64_t total) {
     told.insert(told.end(), {done, total});
     return true;
   });
-  send();
-  std::thread later([&] {
+  std::thread later([to = writer] {
     std::this_thread::sleep_for(std::chrono::milliseconds(25));
-    send();
+    std::uint32_t done = 0;
+    host::WriteFile(to, "x", 1, &done);
   });
-  file.ReadFromFile(reader, 2);
+  file.ReadFromFile(reader, 1);
   later.join();
   host::CloseHandle(writer);
   host::CloseHandle(reader);
-  EXPECT_TRUE(file == "xx");
-  EXPECT_EQ(told, (std::vector<std::int64_t>{2, -1}));
+  EXPECT_EQ(told, (std::vector<std::int64_t>{1, -1}));
 }
 
 TEST_F(Progresses, GrowWithTheFile) {

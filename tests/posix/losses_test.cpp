@@ -26,44 +26,34 @@ struct Row {
 
 class LossesOnPosix : public support::InDirectory {
  protected:
-  void CheckLoading(const Row& row, std::size_t before) const {
-    std::string bytes(before, 'a');
+  void CheckLoading(const Row& row, int before) const {
+    std::string bytes(support::Size(before), 'a');
     for (int i = 0; i < kTimes; ++i) bytes += Hex<std::string>(row.loaded);
     Put("loaded", bytes + std::string("\0x", 2));
-    TCharVFile plain;
     TCharVFile text;
     TCharVFile::Encoding form;
-    plain.LoadText(Name("loaded"), form, FILE_SHARE_READ);
     const vf::Losses losses = vf::LoadText(text, Name("loaded"), form, FILE_SHARE_READ);
-    const std::int64_t first = row.firstLoaded < 0 ? text.TCharLength() : Signed(before) + row.firstLoaded;
+    const int first = row.firstLoaded < 0 ? text.TCharLength() : before + row.firstLoaded;
     EXPECT_EQ(NumbersOf(losses), Losses(kTimes * row.lostInLoading, 2, first)) << before;
-    EXPECT_TRUE(text.ToString() == plain.ToString()) << before;
   }
-  void CheckSaving(const Row& row, std::size_t before) const {
-    TString units(before, TSTR('a'));
+  /// All that is lost is a "?", and nothing else is.
+  void CheckSaving(const Row& row, int before) const {
+    TString units(support::Size(before), TSTR('a'));
     for (int i = 0; i < kTimes; ++i) units += Hex<TString>(row.saved);
     TCharVFile text;
     text = units;
-    text.SaveText(Name("plain"), true, TCharVFile::encAnsi, false);
     const vf::Losses losses = vf::SaveText(text, Name("saved"), true, TCharVFile::encAnsi, false);
-    const std::int64_t first = row.firstSaved < 0 ? -1 : Signed(before) + row.firstSaved;
+    const int first = row.firstSaved < 0 ? -1 : before + row.firstSaved;
     EXPECT_EQ(NumbersOf(losses), Losses(kTimes * row.lostInSaving, 0, first)) << before;
-    EXPECT_TRUE(Content("saved") == Content("plain")) << before;
-    // All that is lost is a "?", and nothing else is.
-    const std::string content = Content("saved");
-    const auto marks = std::count(content.begin(), content.end(), '?');
-    EXPECT_EQ(marks, losses.replaced + std::count(units.begin(), units.end(), TChar{'?'})) << before;
+    EXPECT_EQ(std::ranges::count(Content("saved"), '?'), losses.replaced + std::ranges::count(units, TChar{'?'}));
   }
 
  private:
   static constexpr int kTimes = 200;
-
-  static std::int64_t Signed(std::size_t count) { return static_cast<std::int64_t>(count); }
 };
 
 TEST_F(LossesOnPosix, AreThoseOfTheCodePage) {
   const Row rows[] = {{"de_DE.CP1252", "80 81 E9 3F", 1, 1, "61 3F 20AC 4E00 D83D DE00 D83D E9", 3, 3},
-                      {"x.ISO-8859-1", "80 81 E9", 0, -1, "E9 3F FF", 0, -1},
                       {"x.ISO-8859-1", "80 81 E9", 0, -1, "E9 DB40 DC41 D800 DB40 DC01 3F DB40 DD01 DB41 DC41", 5, 1},
                       {"ja_JP.SJIS", "82 A0 82 20 88 EA 41", 1, 1, "3042 DE00 3F 4E00", 1, 1},
                       {"x.ISO-2022-JP", "1B 24 42 24 22 1B 28 42 FF 41", 1, 1, "3042 E9 41 DB40 DC41", 2, 1},
@@ -74,7 +64,7 @@ TEST_F(LossesOnPosix, AreThoseOfTheCodePage) {
   for (const Row& row : rows) {
     const auto convert = [&] {
       setenv("LC_ALL", row.locale, 1);
-      for (std::size_t before = 0; before < 24 && !HasFailure(); ++before) {
+      for (int before = 0; before < 24 && !HasFailure(); ++before) {
         CheckLoading(row, before);
         CheckSaving(row, before);
       }

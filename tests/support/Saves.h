@@ -2,6 +2,7 @@
 /// Complete saves in every form, for tests.
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 
@@ -20,40 +21,31 @@ struct Saves : InDirectory {
     SetReadOnly(Path("locked"), true);
   }
 
-  /// A way to save, and the one that is not complete.
+  /// How a text is written: in an encoding, or as the bytes of its file.
   struct Form {
     const char* name;
-    void (*save)(TCharVFile& text, const TString& name, vf::Saving how);
-    void (*plainSave)(TCharVFile& text, const TString& name, bool overwrite);
+    std::optional<TCharVFile::Encoding> encoding;
+
+    void Save(TCharVFile& text, const TString& target, vf::Saving how) const {
+      if (!encoding) return vf::SaveComplete(vfile::Inside::FileOf(text), target, how);
+      vf::SaveTextComplete(text, target, *encoding, true, how);
+    }
+    /// Without being complete.
+    void SavePlain(TCharVFile& text, const TString& target) const {
+      if (!encoding) return vfile::Inside::FileOf(text).Save(target.c_str(), true);
+      text.SaveText(target, true, *encoding, true);
+    }
   };
-  static void SaveBytes(TCharVFile& text, const TString& name, vf::Saving how) {
-    vf::SaveComplete(vfile::Inside::FileOf(text), name, how);
-  }
-  static void SaveBytesPlain(TCharVFile& text, const TString& name, bool overwrite) {
-    vfile::Inside::FileOf(text).Save(name.c_str(), overwrite);
-  }
-  template <TCharVFile::Encoding kEncoding>
-  static void SaveText(TCharVFile& text, const TString& name, vf::Saving how) {
-    vf::SaveTextComplete(text, name, kEncoding, true, how);
-  }
-  template <TCharVFile::Encoding kEncoding>
-  static void SaveTextPlain(TCharVFile& text, const TString& name, bool overwrite) {
-    text.SaveText(name, overwrite, kEncoding, true);
-  }
-  static constexpr Form kForms[] = {
-      {"bytes", SaveBytes, SaveBytesPlain},
-      {"UTF-16", SaveText<TCharVFile::encUtf16>, SaveTextPlain<TCharVFile::encUtf16>},
-      {"UTF-16BE", SaveText<TCharVFile::encUtf16BE>, SaveTextPlain<TCharVFile::encUtf16BE>},
-      {"UTF-8", SaveText<TCharVFile::encUtf8>, SaveTextPlain<TCharVFile::encUtf8>},
-      {"ANSI", SaveText<TCharVFile::encAnsi>, SaveTextPlain<TCharVFile::encAnsi>},
-  };
+  static constexpr Form kForms[] = {{"bytes", std::nullopt},
+                                    {"UTF-16", TCharVFile::encUtf16},
+                                    {"UTF-16BE", TCharVFile::encUtf16BE},
+                                    {"UTF-8", TCharVFile::encUtf8},
+                                    {"ANSI", TCharVFile::encAnsi}};
 
   /// A text of more than one block, which stands at `kPosition`.
   static TCharVFile Text() {
-    TString units;
-    for (int i = 0; i < 2000; ++i) units += static_cast<TChar>('a' + i % 26);
     TCharVFile text;
-    text = units + TSTR("\u00E9");
+    text = TString(1000, 'a') + TString(1000, 'b') + TSTR("\u00E9");
     text.SetTCharPos(kPosition);
     return text;
   }
@@ -68,6 +60,11 @@ struct Saves : InDirectory {
     std::string all;
     for (const std::string& name : names) all += name + " ";
     return all;
+  }
+
+  void ExpectAsBefore() const {
+    EXPECT_EQ(Names(), before);
+    EXPECT_EQ(Content("old"), "old");
   }
 
   const std::string before = "dir locked old ";

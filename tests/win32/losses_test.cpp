@@ -3,7 +3,6 @@
 #include "support/Losses.h"
 
 #include <gtest/gtest.h>
-#include <numeric>
 
 #include "host/Host.h"
 #include "support/CodePage1252.h"
@@ -61,15 +60,6 @@ TEST_F(CodePageLosses, AreCountedFromTheStartOfAPiece) {
   EXPECT_TRUE(conversion.Convert(in, left, out, room, true));
   EXPECT_EQ(losses.replaced, 1);
   EXPECT_EQ(losses.first, 1007);
-}
-
-TEST_F(CodePageLosses, AreNoneOfAnyByte) {
-  std::string bytes(255, 0);
-  std::iota(bytes.begin(), bytes.end(), '\1');
-  Put("loaded", bytes);
-  TCharVFile text;
-  TCharVFile::Encoding form;
-  EXPECT_EQ(NumbersOf(vf::LoadText(text, Path("loaded"), form, FILE_SHARE_READ)), Losses(0, 0, -1));
 }
 
 }  // namespace

@@ -27,24 +27,16 @@ struct End {
 };
 
 /// Whether calls can be answered here.
-constexpr bool kAnswersCalls =
 #if defined(__x86_64__) && defined(__LP64__)
-    true;
+constexpr bool kAnswersCalls = true;
 #else
-    false;
+constexpr bool kAnswersCalls = false;
 #endif
 
 /// From here on the calling process, which is a child of `Trace`, is asked about.
 void BeginTracing();
-End Follow(pid_t child, const Answering& answer);
 
 /// Runs `call`, which calls `BeginTracing`, in a forked child, which ends with what it gives.
-template <typename Call>
-End Trace(Call call, const Answering& answer) {
-  std::fflush(nullptr);
-  const pid_t child = fork();
-  if (child == 0) _exit(call());
-  return Follow(child, answer);
-}
+End Trace(const std::function<int()>& call, const Answering& answer);
 
 }  // namespace support
