@@ -128,8 +128,8 @@ else
   run "$hold" <until &
   exec 3>until
   until [ -e opened ]; do sleep 0.1; done
-  refused "OUT is open" 1 denied --force a b in keep
-  refused "OUT is open, for a text" 1 denied --text --force a b in keep
+  refused "OUT is open" 1 "no permission" --force a b in keep
+  refused "OUT is open, for a text" 1 "no permission" --text --force a b in keep
   exec 3>&-
   wait
   rm until opened
