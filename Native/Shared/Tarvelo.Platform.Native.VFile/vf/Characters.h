@@ -32,6 +32,7 @@ namespace vf {
 /// to the position every few hundred units.
 class VFILE_API CharacterReader {
  public:
+  /// Stands at `position`.
   explicit CharacterReader(const TCharVFile& text, std::int32_t position = 0);
   CharacterReader(const TCharVFile&&, std::int32_t = 0) = delete;
 
@@ -47,7 +48,7 @@ class VFILE_API CharacterReader {
     character = units_[--at_];
     return true;
   }
-  std::int32_t Position() const { return base_ + at_; }
+  std::int32_t Position() const { return base_ + at_; }  ///< Where it stands.
   /// Moves there, and looks at the text as it is now.
   void SetPosition(std::int32_t position);
 

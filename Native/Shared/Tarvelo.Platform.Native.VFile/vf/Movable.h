@@ -25,19 +25,27 @@
 
 namespace vf {
 
+/// @{
 /// For `Movable`: exchanges contents, positions, flags, `res`, `eof` and `radix`.
 VFILE_API void ExchangeAll(VFile& left, VFile& right);
 VFILE_API void ExchangeAll(TCharVFile& left, TCharVFile& right);
+/// @}
 
+/// A file that moves where the standard library would copy it.
 template <typename File>
 class Movable : public File {
  public:
   using File::File;
   using File::operator=;
 
+  /// @{
+  /// Empty, or all that the other is.
   Movable() = default;
   Movable(Movable&& other) = default;              // NOLINT(performance-noexcept-move-constructor): it may halt
   Movable(File&& file) : File(std::move(file)) {}  // NOLINT(google-explicit-constructor): the same file
+  /// @}
+  /// @{
+  /// Exchange all that both are.
   // A derived class may have more than that.
   Movable& operator=(Movable&& other)  // NOLINT(performance-noexcept-move-constructor): it may halt
       requires(std::same_as<File, VFile> || std::same_as<File, TCharVFile>) {
@@ -48,6 +56,7 @@ class Movable : public File {
                    Movable& right) requires(std::same_as<File, VFile> || std::same_as<File, TCharVFile>) {
     ExchangeAll(left, right);
   }
+  /// @}
 };
 
 }  // namespace vf

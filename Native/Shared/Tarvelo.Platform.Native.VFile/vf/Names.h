@@ -45,7 +45,9 @@ VFILE_API std::string Utf8Of(TStringView units);
 /// byte, so that every name goes there and back; a `TString` or `const TChar*` is taken as it is, and a backslash in it separates.
 class VFILE_API Name {
  public:
-  Name() = default;                         ///< The empty name.
+  Name() = default;  ///< The empty name.
+  /// @{
+  /// The name that this is.
   Name(const std::filesystem::path& path);  // NOLINT(google-explicit-constructor): a name is what is meant
   /// In UTF-8.
   template <ByteText Text>
@@ -54,14 +56,18 @@ class VFILE_API Name {
   Name(const TString& units) : Name(TStringView(units)) {}                    // NOLINT(google-explicit-constructor)
   Name(const TChar* units) : units_(units == nullptr ? TString() : units) {}  // NOLINT(google-explicit-constructor)
   Name(std::nullptr_t) = delete;
+  /// @}
 
+  /// @{
+  /// The units, which end in a 0 where they are a pointer.
   operator const TChar*() const { return units_.c_str(); }  // NOLINT(google-explicit-constructor)
   explicit operator bool() const = delete;                  ///< The pointer is never null; look at `Units().empty()`.
   const TString& Units() const { return units_; }
+  /// @}
   /// In UTF-8; where the system's names are bytes, these.
   std::string Utf8() const;
-  std::filesystem::path Path() const;
-  bool operator==(const Name& other) const { return units_ == other.units_; }
+  std::filesystem::path Path() const;                                          ///< For the standard library's calls.
+  bool operator==(const Name& other) const { return units_ == other.units_; }  ///< Unit by unit.
   std::strong_ordering operator<=>(const Name& other) const { return units_ <=> other.units_; }  ///< By units.
 
  private:
@@ -77,15 +83,19 @@ VFILE_API std::string MessageOf(std::int32_t res);
 /// A result that is not `resDone`, as an exception. `what()` is the name in UTF-8, if there is one, and the text.
 class Error : public std::runtime_error {
  public:
+  /// @{
+  /// Of a result, and of what it was met with.
   explicit Error(std::int32_t res) : std::runtime_error(MessageOf(res)), res_(res) {}
   Error(std::int32_t res, const Name& name) : std::runtime_error(name.Utf8() + ": " + MessageOf(res)), res_(res) {}
+  /// @}
 
-  std::int32_t Res() const { return res_; }
+  std::int32_t Res() const { return res_; }  ///< The result.
 
  private:
   std::int32_t res_;
 };
 
+/// @{
 /// Throws an `Error` unless `res` is `resDone`. Nothing else of the library throws of itself.
 inline void Check(std::int32_t res) {
   if (res != resDone) throw Error(res);
@@ -93,6 +103,7 @@ inline void Check(std::int32_t res) {
 inline void Check(std::int32_t res, const Name& name) {
   if (res != resDone) throw Error(res, name);
 }
+/// @}
 /// @{
 /// The same of what stands in the `res` of a file, which is then `resDone`, so that who catches the `Error` may go on with the file.
 template <typename File>

@@ -60,9 +60,11 @@ class VFILE_API Progress {
   /// Whether to go on.
   using Procedure = std::function<bool(std::int64_t done, std::int64_t total)>;
 
+  /// @{
   /// The procedure is not empty.
   Progress(VFile& file, Procedure procedure);
   Progress(TCharVFile& text, Procedure procedure);
+  /// @}
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;

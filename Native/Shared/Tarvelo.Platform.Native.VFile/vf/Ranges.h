@@ -46,18 +46,23 @@ namespace vf {
 /// `TCharVFile`.
 class VFILE_API Window {
  public:
+  /// @{
+  /// Of a file that outlives it.
   explicit Window(const VFile& file);
   explicit Window(const TCharVFile& text);
+  /// @}
   ~Window();
   Window(const Window&) = delete;
   Window& operator=(const Window&) = delete;
 
   /// How many elements there were.
   std::int32_t Length() const { return length_; }
-  /// The piece that `Fetch` found last.
+  /// @{
+  /// The piece that `Fetch` found last: where its elements lie, the index of the first, how many they are.
   const unsigned char* Bytes() const { return bytes_; }
   std::int32_t First() const { return first_; }
   std::int32_t Count() const { return count_; }
+  /// @}
   /// Finds the piece that has the element `index`, which is there; one of none where it cannot be had.
   void Fetch(std::int32_t index);
   /// In a checking build halts if the file has changed.
@@ -93,6 +98,8 @@ class Elements {
   /// four pieces of up to a block that were looked at last; the next one is found by a step, one far away as the file finds a position.
   class Iterator {
    public:
+    /// @{
+    /// What the standard library asks of a random-access iterator.
     using iterator_concept = std::random_access_iterator_tag;
     using iterator_category = std::random_access_iterator_tag;
     using value_type = Element;
@@ -144,6 +151,7 @@ class Elements {
     friend std::strong_ordering operator<=>(const Iterator& left, const Iterator& right) {
       return left.index_ <=> right.index_;
     }
+    /// @}
 
    private:
     friend class Elements;
@@ -153,9 +161,12 @@ class Elements {
     std::int32_t index_ = 0;
   };
 
+  /// @{
+  /// As of a container of the standard library.
   using value_type = Element;
   using iterator = Iterator;
   using const_iterator = Iterator;
+  /// @}
 
   /// The elements from `from` up to, not including, `to`.
   explicit Elements(const File& file, std::int32_t from = 0, std::int32_t to = MaxLen)
@@ -164,6 +175,8 @@ class Elements {
         to_(std::clamp(to, from_, window_->Length())) {}
   explicit Elements(const File&& file, std::int32_t from = 0, std::int32_t to = MaxLen) = delete;
 
+  /// @{
+  /// As of a container; those of a temporary would dangle.
   Iterator begin() const& { return {window_.get(), from_}; }
   Iterator end() const& { return {window_.get(), to_}; }
   Iterator begin() const&& = delete;
@@ -171,6 +184,7 @@ class Elements {
   std::size_t size() const { return static_cast<std::size_t>(to_ - from_); }
   bool empty() const { return from_ == to_; }
   Element operator[](std::size_t n) const { return begin()[static_cast<std::ptrdiff_t>(n)]; }
+  /// @}
 
  private:
   std::unique_ptr<Window> window_;
@@ -188,10 +202,13 @@ using Units = Elements<TCharVFile, TChar>;
 template <typename Element>
 class PieceRange {
  public:
-  using View = std::basic_string_view<Element>;
+  using View = std::basic_string_view<Element>;  ///< A piece.
 
+  /// An input iterator: one that moves on takes the view from its copies. Equal to the sentinel where no piece is left.
   class Iterator {
    public:
+    /// @{
+    /// What the standard library asks of an input iterator.
     using iterator_concept = std::input_iterator_tag;
     using value_type = View;
     using difference_type = std::ptrdiff_t;
@@ -209,6 +226,7 @@ class PieceRange {
     }
     void operator++(int) { ++*this; }
     bool operator==(std::default_sentinel_t) const { return count_ == 0; }
+    /// @}
 
    private:
     friend class PieceRange;
@@ -229,13 +247,14 @@ class PieceRange {
     std::int32_t count_ = 0;
   };
 
+  /// See `Pieces`.
   template <typename File>
   PieceRange(const File& file, std::int32_t from, std::int32_t to)
       : window_(file), from_(std::clamp(from, 0, window_.Length())), to_(std::clamp(to, from_, window_.Length())) {}
 
   /// To be called once at a time: a second one takes the pieces of the first.
   Iterator begin() const { return Iterator(this, from_); }
-  std::default_sentinel_t end() const { return {}; }
+  std::default_sentinel_t end() const { return {}; }  ///< Where no piece is left.
 
  private:
   mutable Window window_;

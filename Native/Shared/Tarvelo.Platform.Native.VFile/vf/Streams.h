@@ -35,7 +35,7 @@ namespace vf {
 /// The buffer of such a stream.
 class VFILE_API StreamBuffer : public std::streambuf {
  public:
-  explicit StreamBuffer(VFile& file);
+  explicit StreamBuffer(VFile& file);        ///< Of a file that is read and written.
   explicit StreamBuffer(const VFile& file);  ///< Of a file that is only read; writing fails.
   explicit StreamBuffer(const VFile&& file) = delete;
   ~StreamBuffer() override;
@@ -43,6 +43,8 @@ class VFILE_API StreamBuffer : public std::streambuf {
   StreamBuffer& operator=(const StreamBuffer&) = delete;
 
  protected:
+  /// @{
+  /// What `std::streambuf` asks for.
   VFILE_LOCAL int_type underflow() override;
   VFILE_LOCAL int_type pbackfail(int_type ch) override;
   VFILE_LOCAL std::streamsize xsgetn(char* bytes, std::streamsize count) override;
@@ -52,6 +54,7 @@ class VFILE_API StreamBuffer : public std::streambuf {
   VFILE_LOCAL pos_type seekoff(off_type offset, std::ios_base::seekdir origin, std::ios_base::openmode which) override;
   VFILE_LOCAL pos_type seekpos(pos_type position, std::ios_base::openmode which) override;
   VFILE_LOCAL int sync() override;
+  /// @}
 
  private:
   static constexpr std::int32_t kSize = 4096;
@@ -70,6 +73,7 @@ class VFILE_API StreamBuffer : public std::streambuf {
 /// Reads from a file.
 class IStream : public std::istream {
  public:
+  /// From the file's position on.
   explicit IStream(const VFile& file) : std::istream(nullptr), buffer_(file) { rdbuf(&buffer_); }
   explicit IStream(const VFile&& file) = delete;
 
@@ -80,6 +84,7 @@ class IStream : public std::istream {
 /// Writes to a file.
 class OStream : public std::ostream {
  public:
+  /// From the file's position on.
   explicit OStream(VFile& file) : std::ostream(nullptr), buffer_(file) { rdbuf(&buffer_); }
 
  private:
@@ -89,6 +94,7 @@ class OStream : public std::ostream {
 /// Both.
 class IOStream : public std::iostream {
  public:
+  /// From the file's position on.
   explicit IOStream(VFile& file) : std::iostream(nullptr), buffer_(file) { rdbuf(&buffer_); }
 
  private:
